@@ -1,0 +1,168 @@
+// The state document: shared-lock reads, exclusive-lock read-modify-write with an atomic rename.
+#include "store/StateStore.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <utility>
+
+namespace HostSim {
+
+namespace {
+
+// A descriptor closed on every way out.
+class Fd {
+public:
+    explicit Fd(int fd = -1) : fd_(fd) {}
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+    ~Fd() {
+        if (fd_ >= 0) ::close(fd_);
+    }
+    int Get() const { return fd_; }
+    int Release() { return std::exchange(fd_, -1); }
+
+private:
+    int fd_;
+};
+
+std::string ErrnoText() { return std::strerror(errno); }
+
+std::string Folder(const std::string& path) {
+    auto slash = path.rfind('/');
+    return slash == std::string::npos ? std::string(".") : path.substr(0, slash);
+}
+
+// Holds a flock on <root>/var/lib/hostsim/state.lock for its lifetime.
+class Lock {
+public:
+    Lock(const std::string& lockPath, int operation) : fd_(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
+        if (fd_.Get() < 0) throw StateError("Cannot open state lock " + lockPath + ": " + ErrnoText());
+        while (::flock(fd_.Get(), operation) != 0) {
+            if (errno != EINTR) throw StateError("Cannot lock " + lockPath + ": " + ErrnoText());
+        }
+    }
+
+private:
+    Fd fd_;
+};
+
+std::string ReadWhole(const std::string& path) {
+    Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (fd.Get() < 0) {
+        if (errno == ENOENT) throw StateError("State file " + path + " is missing");
+        throw StateError("Cannot read state file " + path + ": " + ErrnoText());
+    }
+    std::string text;
+    char buffer[65536];
+    for (;;) {
+        ssize_t n = ::read(fd.Get(), buffer, sizeof buffer);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            throw StateError("Cannot read state file " + path + ": " + ErrnoText());
+        }
+        if (n == 0) break;
+        text.append(buffer, static_cast<size_t>(n));
+    }
+    return text;
+}
+
+nlohmann::json Parse(const std::string& path, const std::string& text) {
+    if (text.empty()) throw StateError("State file " + path + " is empty");
+    nlohmann::json document;
+    try {
+        document = nlohmann::json::parse(text);
+    } catch (const nlohmann::json::parse_error& e) {
+        throw StateError("State file " + path + " is damaged: " + e.what());
+    }
+    if (!document.is_object()) throw StateError("State file " + path + " is damaged: not a JSON object");
+    return document;
+}
+
+void WriteAll(int fd, const std::string& text, const std::string& path) {
+    size_t done = 0;
+    while (done < text.size()) {
+        ssize_t n = ::write(fd, text.data() + done, text.size() - done);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            throw StateError("Cannot write " + path + ": " + ErrnoText());
+        }
+        done += static_cast<size_t>(n);
+    }
+}
+
+// Temporary file + fsync + rename + fsync of the folder: readers see the old or the new document.
+void Replace(const std::string& path, const nlohmann::json& document) {
+    const std::string folder = Folder(path);
+    std::string tmpl = path + ".XXXXXX";
+    Fd fd(::mkstemp(tmpl.data()));
+    if (fd.Get() < 0) throw StateError("Cannot create a temporary file in " + folder + ": " + ErrnoText());
+    try {
+        WriteAll(fd.Get(), document.dump(2) + "\n", tmpl);
+        if (::fchmod(fd.Get(), 0644) != 0 || ::fsync(fd.Get()) != 0)
+            throw StateError("Cannot flush " + tmpl + ": " + ErrnoText());
+        if (::close(fd.Release()) != 0) throw StateError("Cannot close " + tmpl + ": " + ErrnoText());
+        if (::rename(tmpl.c_str(), path.c_str()) != 0)
+            throw StateError("Cannot replace state file " + path + ": " + ErrnoText());
+    } catch (...) {
+        ::unlink(tmpl.c_str());
+        throw;
+    }
+    Fd dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (dir.Get() >= 0) ::fsync(dir.Get());
+}
+
+} // namespace
+
+std::string HostRoot() {
+    const char* root = std::getenv("LANYX_HOST_ROOT");
+    return (root == nullptr || *root == '\0') ? std::string("/") : std::string(root);
+}
+
+std::string RootPath(const std::string& root, const std::string& hostPath) {
+    std::string base = root;
+    while (base.size() > 1 && base.back() == '/') base.pop_back();
+    if (base.empty() || base == "/") return hostPath;
+    if (hostPath.empty() || hostPath.front() != '/') return base + "/" + hostPath;
+    return base + hostPath;
+}
+
+StateStore::StateStore(std::string root) : root_(std::move(root)) {}
+
+std::string StateStore::StatePath() const { return RootPath(root_, "/var/lib/hostsim/state.json"); }
+
+nlohmann::json StateStore::Read() const {
+    const std::string path = StatePath();
+    // A missing folder means a missing state, not a lock we could create.
+    struct stat st{};
+    if (::stat(Folder(path).c_str(), &st) != 0) throw StateError("State file " + path + " is missing");
+    Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_SH);
+    return Parse(path, ReadWhole(path));
+}
+
+void StateStore::Update(const std::function<void(nlohmann::json&)>& change) const {
+    const std::string path = StatePath();
+    struct stat st{};
+    if (::stat(Folder(path).c_str(), &st) != 0) throw StateError("State file " + path + " is missing");
+    Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_EX);
+    nlohmann::json document = Parse(path, ReadWhole(path));
+    change(document);
+    Replace(path, document);
+}
+
+void StateStore::Write(const nlohmann::json& document) const {
+    const std::string path = StatePath();
+    const std::string folder = Folder(path);
+    struct stat st{};
+    if (::stat(folder.c_str(), &st) != 0) throw StateError("State folder " + folder + " is missing");
+    Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_EX);
+    Replace(path, document);
+}
+
+} // namespace HostSim
