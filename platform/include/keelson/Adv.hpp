@@ -34,4 +34,11 @@ public:
     static Keelson::Adv::AdvancedOption* FindOption(const std::string& name);
 };
 
+// User options of the host ("PXEBootEnabled", ...).
+class UserAdvancedOptionImpl {
+public:
+    // Whether the host carries a user option of that name.
+    static bool HasUserOption(const std::string& name);
+};
+
 } // namespace TesselCtl::Adv

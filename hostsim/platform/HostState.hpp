@@ -1,0 +1,29 @@
+// How the platform library reaches the simulated host: its root, its state and its faults.
+#pragma once
+#include <functional>
+#include <initializer_list>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+namespace HostSim::Platform {
+
+// The state document, read fresh; a StateError becomes a KeelsonException with the same text.
+nlohmann::json ReadState();
+
+// Read-modify-write of the state, with the same error conversion.
+void UpdateState(const std::function<void(nlohmann::json&)>& change);
+
+// Throws KeelsonException(text) when a lib fault is set for any of the operations.
+void CheckFault(const nlohmann::json& state, std::initializer_list<const char*> operations);
+
+// ReadState + CheckFault, the first thing most operations do.
+nlohmann::json StateFor(std::initializer_list<const char*> operations);
+
+// The text of a lib fault set for the operation, or empty.
+std::string FaultText(const nlohmann::json& state, const char* operation);
+
+// <root><hostPath> for the current LANYX_HOST_ROOT.
+std::string HostFile(const std::string& hostPath);
+
+} // namespace HostSim::Platform

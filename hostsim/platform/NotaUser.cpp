@@ -1,0 +1,44 @@
+// The event library: each event is one line of <root>/var/log/notad.log.
+#include "zephora/notauser.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include "platform/HostState.hpp"
+#include "platform/Records.hpp"
+
+extern "C" {
+
+int NotaUserLib_Init(void) {
+    try {
+        nlohmann::json state = HostSim::Platform::ReadState();
+        if (!HostSim::Platform::FaultText(state, "NotaUserLib_Init").empty()) return 5;
+        return 0;
+    } catch (const std::exception&) {
+        return 2; // no host to talk to
+    }
+}
+
+int NotaUserLib_AddNota(const char* format, ...) {
+    if (format == nullptr) return -1;
+    va_list args;
+    va_start(args, format);
+    va_list copy;
+    va_copy(copy, args);
+    int length = std::vsnprintf(nullptr, 0, format, copy);
+    va_end(copy);
+    std::string text;
+    if (length > 0) {
+        text.resize(static_cast<size_t>(length) + 1);
+        std::vsnprintf(text.data(), text.size(), format, args);
+        text.resize(static_cast<size_t>(length));
+    }
+    va_end(args);
+    HostSim::Platform::AppendRecord("/var/log/notad.log", HostSim::Platform::Timestamp() + " " + text);
+    return 0;
+}
+
+void NotaUserLib_Close(void) {}
+
+} // extern "C"

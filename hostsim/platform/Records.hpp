@@ -1,0 +1,14 @@
+// Lines appended to the simulated host's record files (system log, events, audit).
+#pragma once
+#include <string>
+
+namespace HostSim::Platform {
+
+// "YYYY-MM-DDTHH:MM:SS" in local time.
+std::string Timestamp();
+
+// Appends text + "\n" to <root><hostPath> with one write() on an O_APPEND descriptor,
+// so that concurrent writers never interleave within a line. Failures are dropped.
+void AppendRecord(const std::string& hostPath, std::string text);
+
+} // namespace HostSim::Platform
