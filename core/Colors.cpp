@@ -1,0 +1,68 @@
+#include "core/Colors.hpp"
+
+#include "core/Globals.hpp"
+
+namespace Lanyx {
+
+namespace {
+
+constexpr std::array<int, 6> pairOrder = {ColorWhite, ColorBlack, ColorAmber,
+                                          ColorLightGrey, ColorDarkGrey, ColorRed};
+
+} // namespace
+
+int PairNumber(int foreground, int background, int colors)
+{
+    return foreground + background * colors + 1;
+}
+
+attr_t ColorAttrFor(int background, int foreground, bool isMonochrome, int colors)
+{
+    if (isMonochrome)
+        return (background == ColorBlack || background == ColorDarkGrey) ? A_STANDOUT : A_NORMAL;
+    // Shifted as COLOR_PAIR does, without its masking, so that the pair number is kept whole.
+    return static_cast<attr_t>(PairNumber(foreground, background, colors)) << NCURSES_ATTR_SHIFT;
+}
+
+attr_t ColorAttr(int background, int foreground)
+{
+    return ColorAttrFor(background, foreground, monochrome, COLORS);
+}
+
+const std::array<ColorDefinition, 5>& ColorRedefinitions()
+{
+    static const std::array<ColorDefinition, 5> table = {{
+        {ColorAmber, 1000, 800, 0},
+        {ColorDarkGrey, 334, 334, 334},
+        {ColorLightGrey, 667, 667, 667},
+        {ColorWhite, 1000, 1000, 1000},
+        {ColorRed, 1000, 0, 0},
+    }};
+    return table;
+}
+
+std::array<PairDefinition, 36> PairDefinitions(int colors)
+{
+    std::array<PairDefinition, 36> pairs{};
+    size_t next = 0;
+    for (int background : pairOrder)
+        for (int foreground : pairOrder)
+            pairs[next++] = {PairNumber(foreground, background, colors), foreground, background};
+    return pairs;
+}
+
+void InitPalette()
+{
+    use_default_colors();
+    if (!can_change_color()) {
+        monochrome = true;
+        return;
+    }
+    for (const ColorDefinition& c : ColorRedefinitions())
+        init_color(static_cast<short>(c.color), c.red, c.green, c.blue);
+    for (const PairDefinition& p : PairDefinitions(COLORS))
+        init_pair(static_cast<short>(p.pair), static_cast<short>(p.foreground),
+                  static_cast<short>(p.background));
+}
+
+} // namespace Lanyx
