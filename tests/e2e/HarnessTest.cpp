@@ -1,0 +1,214 @@
+// The harness checked against a small curses program and the shell, so that a failing console
+// test can be trusted to point at the console.
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "harness/Console.hpp"
+#include "harness/HostRoot.hpp"
+
+using namespace LanyxE2E;
+
+namespace {
+
+ConsoleOptions Probe(std::vector<std::string> args = {})
+{
+    ConsoleOptions options;
+    options.argv.push_back(E2E_KEYPROBE);
+    options.argv.insert(options.argv.end(), args.begin(), args.end());
+    return options;
+}
+
+ConsoleOptions Shell(const std::string& script)
+{
+    ConsoleOptions options;
+    options.argv = {"/bin/sh", "-c", script};
+    return options;
+}
+
+} // namespace
+
+TEST(HarnessConsole, KeysArriveAsCursesDecodesThem)
+{
+    Console probe(Probe());
+    ASSERT_TRUE(probe.WaitForText("probe ready"));
+    EXPECT_EQ(probe.Row(1), "size 80x25");
+    const std::pair<std::string_view, int> keys[] = {
+        {Keys::F(1), 265},   {Keys::F(5), 269},   {Keys::F(12), 276},   {Keys::Up, 259},
+        {Keys::Home, 262},   {Keys::Delete, 330}, {Keys::PageDown, 338}, {Keys::Backspace, 263},
+        {Keys::Enter, 10}};
+    for (const auto& [bytes, code] : keys) {
+        probe.Send(bytes);
+        ASSERT_TRUE(probe.WaitForText("key " + std::to_string(code))) << "for bytes of key " << code;
+    }
+}
+
+TEST(HarnessConsole, CellsCarryColoursAttributesAndPalette)
+{
+    Console probe(Probe());
+    ASSERT_TRUE(probe.WaitForText("rev"));
+    const Cell dim = probe.CellAt(2, 0);
+    EXPECT_EQ(dim.text, "d");
+    EXPECT_TRUE(dim.fg.IsIndex(6)) << dim;
+    EXPECT_TRUE(dim.bg.IsIndex(0)) << dim;
+    // The program redefined colour 6; the cell reports what the terminal shows.
+    EXPECT_EQ(dim.fg.rgb, (Rgb{85, 85, 85})) << dim;
+    const Cell rev = probe.CellAt(3, 0);
+    EXPECT_TRUE(rev.reverse) << rev;
+    EXPECT_FALSE(probe.CellAt(0, 0).reverse);
+    EXPECT_EQ(probe.CellAt(0, 0).fg.kind, Color::Kind::Default);
+    EXPECT_EQ(probe.Find("rev"), std::make_optional(std::make_pair(3, 0)));
+    EXPECT_EQ(probe.Text(0, 6, 5), "ready");
+}
+
+TEST(HarnessConsole, ExitStatusAndRestoredTerminal)
+{
+    Console probe(Probe());
+    ASSERT_TRUE(probe.WaitForText("probe ready"));
+    EXPECT_TRUE(probe.AltScreen());
+    EXPECT_FALSE(probe.CursorVisible());
+    EXPECT_FALSE(probe.Modes().c_lflag & ICANON);
+    probe.Send("q");
+    ASSERT_TRUE(probe.ExitsWith(0));
+    EXPECT_FALSE(probe.AltScreen());
+    EXPECT_TRUE(probe.CursorVisible());
+    EXPECT_TRUE(probe.Modes().c_lflag & ICANON);
+    EXPECT_TRUE(probe.Modes().c_lflag & ECHO);
+
+    Console unclean(Probe());
+    ASSERT_TRUE(unclean.WaitForText("probe ready"));
+    unclean.Send("x");
+    ASSERT_TRUE(unclean.ExitsWith(3));
+    EXPECT_FALSE(unclean.Modes().c_lflag & ICANON);
+}
+
+TEST(HarnessConsole, SignalEndsProcessAndIsReported)
+{
+    Console sleeper(Shell("echo sleeping; exec sleep 30"));
+    ASSERT_TRUE(sleeper.WaitForText("sleeping"));
+    sleeper.Signal(SIGTERM);
+    const auto info = sleeper.WaitForExit();
+    ASSERT_TRUE(info);
+    EXPECT_TRUE(info->Signaled());
+    EXPECT_EQ(info->Signal(), SIGTERM);
+    EXPECT_FALSE(sleeper.ExitsWith(0)); // a death by signal is not an exit status
+}
+
+TEST(HarnessConsole, ProcessThatEndedBeforeTheWaitIsSeen)
+{
+    Console quick(Shell("printf 'hello there\\n'; exit 4"));
+    ASSERT_TRUE(quick.ExitsWith(4));
+    EXPECT_TRUE(quick.WaitForText("hello there"));
+    EXPECT_FALSE(quick.Running());
+
+    // A text that never comes fails at once when nothing more can arrive, and says why.
+    const auto start = std::chrono::steady_clock::now();
+    const auto missing = quick.WaitForText("never shown", 10s);
+    EXPECT_FALSE(missing);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+    const std::string message = missing.message();
+    EXPECT_NE(message.find("hello there"), std::string::npos) << message;
+    EXPECT_NE(message.find("exited with status 4"), std::string::npos) << message;
+}
+
+TEST(HarnessConsole, OutputBeyondTheTerminalBufferIsDrained)
+{
+    Console probe(Probe());
+    ASSERT_TRUE(probe.WaitForText("probe ready"));
+    probe.Send("b");
+    ASSERT_TRUE(probe.ExitsWith(5));
+    EXPECT_TRUE(probe.WaitForText("done"));
+    EXPECT_TRUE(probe.WaitForText("line 2999"));
+}
+
+TEST(HarnessConsole, ResizeReachesTheProgram)
+{
+    Console probe(Probe());
+    ASSERT_TRUE(probe.WaitForText("probe ready"));
+    probe.Resize(30, 100);
+    ASSERT_TRUE(probe.WaitForText("size 100x30"));
+    EXPECT_EQ(probe.Rows(), 30);
+    EXPECT_EQ(probe.Cols(), 100);
+}
+
+TEST(HarnessConsole, EnvironmentAndArguments)
+{
+    ConsoleOptions options = Probe({"17"});
+    options.hostRoot = "/some/root";
+    options.term = "linux";
+    options.rows = 24;
+    options.cols = 90;
+    Console probe(options);
+    ASSERT_TRUE(probe.WaitForText("size 90x24"));
+    probe.Send("e");
+    EXPECT_TRUE(probe.WaitForText("arg=17 root=/some/root term=linux"));
+}
+
+TEST(HarnessConsole, FakedClockRunsPollTimeoutsFast)
+{
+    ConsoleOptions options = Probe();
+    options.faketime = "+0 x100";
+    Console probe(options);
+    ASSERT_TRUE(probe.WaitForText("probe ready"));
+    const auto start = std::chrono::steady_clock::now();
+    probe.Send("t");
+    // One minute of the program's clock is well under two seconds of ours.
+    ASSERT_TRUE(probe.WaitForText("slept", 5s));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
+    const std::string row = probe.Row(5);
+    const long slept = std::stol(row.substr(6));
+    EXPECT_GE(slept, 59) << row;
+    EXPECT_LE(slept, 70) << row;
+}
+
+TEST(HarnessConsole, WaitForConditionReportsTheScreen)
+{
+    Console probe(Probe());
+    ASSERT_TRUE(probe.WaitForText("probe ready"));
+    const auto result = probe.WaitFor([] { return false; }, 200ms, "the impossible");
+    EXPECT_FALSE(result);
+    EXPECT_NE(std::string(result.message()).find("the impossible not met"), std::string::npos);
+    EXPECT_NE(std::string(result.message()).find("probe ready"), std::string::npos);
+    EXPECT_TRUE(probe.Running());
+}
+
+TEST(HarnessProcess, CapturesOutputAndEnforcesDeadline)
+{
+    const auto ok = RunProcess({"/bin/sh", "-c", "echo out; echo err >&2; exit 2"});
+    EXPECT_FALSE(ok.timedOut);
+    EXPECT_EQ(ok.exit.Code(), 2);
+    EXPECT_NE(ok.output.find("out"), std::string::npos);
+    EXPECT_NE(ok.output.find("err"), std::string::npos);
+
+    const auto start = std::chrono::steady_clock::now();
+    const auto hung = RunProcess({"/bin/sh", "-c", "sleep 30 & sleep 30"}, 300ms);
+    EXPECT_TRUE(hung.timedOut);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+
+    const auto missing = RunProcess({"/nonexistent/program"});
+    EXPECT_EQ(missing.exit.Code(), 127);
+}
+
+#if E2E_HAVE_HOSTSIM
+TEST(HarnessHostRoot, CreatesSetsAndRemovesRoots)
+{
+    std::string path;
+    {
+        HostRoot root;
+        path = root.Path();
+        EXPECT_TRUE(std::filesystem::exists(root.File("/var/lib/hostsim/state.json")));
+        root.Set("lanyx-timeout", "120");
+        EXPECT_NE(root.State().find("LanyxTimeOut"), std::string::npos) << root.State();
+
+        root.WriteFile("/var/log/syslog.log", "2026-11-23T12:00:00 user.info LANYX[1]: first\n");
+        EXPECT_TRUE(root.WaitForLine(Record::Syslog, "LANYX[1]: first", 1s));
+        const auto missing = root.WaitForLine(Record::Syslog, "absent", 100ms);
+        EXPECT_FALSE(missing);
+        EXPECT_NE(std::string(missing.message()).find("first"), std::string::npos);
+        EXPECT_EQ(root.Matching(Record::Syslog, "first").size(), 1u);
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+#endif

@@ -1,0 +1,561 @@
+#include "harness/Console.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <sstream>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <vterm.h>
+
+#include "harness/HostRoot.hpp"
+
+extern char** environ;
+
+namespace LanyxE2E {
+
+namespace {
+
+constexpr const char* kFaketimeLibrary = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1";
+
+using Clock = std::chrono::steady_clock;
+
+int MillisLeft(Clock::time_point deadline)
+{
+    const auto left = std::chrono::duration_cast<Duration>(deadline - Clock::now()).count();
+    return static_cast<int>(std::max<long>(0, left));
+}
+
+void AppendUtf8(std::string& out, uint32_t c)
+{
+    if (c < 0x80) {
+        out += static_cast<char>(c);
+    } else if (c < 0x800) {
+        out += static_cast<char>(0xC0 | (c >> 6));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        out += static_cast<char>(0xE0 | (c >> 12));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (c >> 18));
+        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+std::string RightTrim(std::string text)
+{
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
+
+// "rgb:RR/GG/BB" with 1 to 4 hex digits per component.
+std::optional<Rgb> ParseColorSpec(std::string_view spec)
+{
+    if (spec.substr(0, 4) != "rgb:")
+        return std::nullopt;
+    spec.remove_prefix(4);
+    int parts[3];
+    for (int i = 0; i < 3; ++i) {
+        const size_t slash = spec.find('/');
+        const std::string digits(spec.substr(0, slash));
+        if (digits.empty() || digits.size() > 4)
+            return std::nullopt;
+        char* end = nullptr;
+        const long value = std::strtol(digits.c_str(), &end, 16);
+        if (*end != '\0')
+            return std::nullopt;
+        const long max = (1L << (4 * digits.size())) - 1;
+        parts[i] = static_cast<int>((value * 255 + max / 2) / max);
+        spec = slash == std::string_view::npos ? std::string_view() : spec.substr(slash + 1);
+    }
+    return Rgb{parts[0], parts[1], parts[2]};
+}
+
+} // namespace
+
+namespace Keys {
+std::string_view F(int n)
+{
+    static constexpr std::string_view table[] = {"\x1bOP",   "\x1bOQ",   "\x1bOR",   "\x1bOS",
+                                                 "\x1b[15~", "\x1b[17~", "\x1b[18~", "\x1b[19~",
+                                                 "\x1b[20~", "\x1b[21~", "\x1b[23~", "\x1b[24~"};
+    if (n < 1 || n > 12)
+        throw std::out_of_range("no function key F" + std::to_string(n));
+    return table[n - 1];
+}
+} // namespace Keys
+
+std::ostream& operator<<(std::ostream& out, const Color& color)
+{
+    switch (color.kind) {
+    case Color::Kind::Default:
+        out << "default";
+        break;
+    case Color::Kind::Indexed:
+        out << "index " << color.index;
+        break;
+    case Color::Kind::Direct:
+        out << "direct";
+        break;
+    }
+    return out << " rgb(" << color.rgb.red << "," << color.rgb.green << "," << color.rgb.blue << ")";
+}
+
+std::ostream& operator<<(std::ostream& out, const Cell& cell)
+{
+    out << "'" << cell.text << "' fg " << cell.fg << " bg " << cell.bg;
+    if (cell.bold)
+        out << " bold";
+    if (cell.reverse)
+        out << " reverse";
+    if (cell.underline)
+        out << " underline";
+    if (cell.blink)
+        out << " blink";
+    return out;
+}
+
+// The terminal emulator with the state that libvterm does not keep for us: the palette as
+// redefined by the program (OSC 4) and the terminal properties.
+struct Console::Emulator {
+    Console* owner = nullptr;
+    VTerm* vt = nullptr;
+    VTermScreen* screen = nullptr;
+    std::map<int, Rgb> palette;
+    VTermScreenCallbacks callbacks{};
+    VTermParserCallbacks fallbacks{};
+
+    Emulator(Console* console, int rows, int cols) : owner(console)
+    {
+        vt = vterm_new(rows, cols);
+        vterm_set_utf8(vt, 1);
+        screen = vterm_obtain_screen(vt);
+        callbacks.settermprop = &Emulator::OnTermProp;
+        vterm_screen_set_callbacks(screen, &callbacks, this);
+        fallbacks.osc = &Emulator::OnOsc;
+        vterm_screen_set_unrecognised_fallbacks(screen, &fallbacks, this);
+        vterm_screen_enable_altscreen(screen, 1);
+        vterm_screen_reset(screen, 1);
+        // Answers of the terminal (cursor reports and the like) go back to the program.
+        vterm_output_set_callback(vt, &Emulator::OnOutput, this);
+    }
+    ~Emulator() { vterm_free(vt); }
+    Emulator(const Emulator&) = delete;
+    Emulator& operator=(const Emulator&) = delete;
+
+    static int OnTermProp(VTermProp prop, VTermValue* value, void* user)
+    {
+        auto* self = static_cast<Emulator*>(user);
+        if (prop == VTERM_PROP_CURSORVISIBLE)
+            self->owner->cursorVisible_ = value->boolean != 0;
+        else if (prop == VTERM_PROP_ALTSCREEN)
+            self->owner->altScreen_ = value->boolean != 0;
+        return 1;
+    }
+
+    // "4;index;spec[;index;spec...]" redefines palette entries.
+    static int OnOsc(const char* command, size_t length, void* user)
+    {
+        auto* self = static_cast<Emulator*>(user);
+        std::vector<std::string> fields;
+        std::string field;
+        for (size_t i = 0; i < length; ++i) {
+            if (command[i] == ';') {
+                fields.push_back(field);
+                field.clear();
+            } else {
+                field += command[i];
+            }
+        }
+        fields.push_back(field);
+        if (fields.empty() || fields[0] != "4")
+            return 0;
+        for (size_t i = 1; i + 1 < fields.size(); i += 2) {
+            const int index = std::atoi(fields[i].c_str());
+            if (auto rgb = ParseColorSpec(fields[i + 1]))
+                self->palette[index] = *rgb;
+        }
+        return 1;
+    }
+
+    static void OnOutput(const char* bytes, size_t length, void* user)
+    {
+        auto* self = static_cast<Emulator*>(user);
+        if (self->owner->master_ >= 0 && !self->owner->exit_) {
+            [[maybe_unused]] auto n = write(self->owner->master_, bytes, length);
+        }
+    }
+
+    Color Convert(VTermColor color, bool isForeground) const
+    {
+        Color out;
+        const bool isDefault = isForeground ? VTERM_COLOR_IS_DEFAULT_FG(&color) : VTERM_COLOR_IS_DEFAULT_BG(&color);
+        if (isDefault) {
+            out.kind = Color::Kind::Default;
+        } else if (VTERM_COLOR_IS_INDEXED(&color)) {
+            out.kind = Color::Kind::Indexed;
+            out.index = color.indexed.idx;
+            if (auto it = palette.find(out.index); it != palette.end()) {
+                out.rgb = it->second;
+                return out;
+            }
+        } else {
+            out.kind = Color::Kind::Direct;
+        }
+        vterm_screen_convert_color_to_rgb(screen, &color);
+        out.rgb = Rgb{color.rgb.red, color.rgb.green, color.rgb.blue};
+        return out;
+    }
+};
+
+ConsoleOptions LanyxOptions(const std::string& root, std::vector<std::string> args)
+{
+    ConsoleOptions options;
+    options.argv.push_back(LanyxBinary());
+    options.argv.insert(options.argv.end(), args.begin(), args.end());
+    options.hostRoot = root;
+    return options;
+}
+
+Console::Console(ConsoleOptions options)
+    : rows_(options.rows > 0 ? options.rows : 24), cols_(options.cols > 0 ? options.cols : 80)
+{
+    if (options.argv.empty())
+        options.argv.push_back(LanyxBinary());
+    command_ = JoinCommand(options.argv);
+    vt_ = std::make_unique<Emulator>(this, rows_, cols_);
+
+    // The environment is built completely here, so the machine's own settings do not leak in.
+    std::map<std::string, std::string> env;
+    env["PATH"] = "/usr/local/bin:/usr/bin:/bin";
+    env["HOME"] = std::getenv("HOME") ? std::getenv("HOME") : "/tmp";
+    for (const char* keep : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TMPDIR"})
+        if (const char* value = std::getenv(keep))
+            env[keep] = value;
+    if (!options.term.empty())
+        env["TERM"] = options.term;
+    if (!options.hostRoot.empty())
+        env["LANYX_HOST_ROOT"] = options.hostRoot;
+    if (!options.faketime.empty()) {
+        env["LD_PRELOAD"] = kFaketimeLibrary;
+        env["FAKETIME"] = options.faketime;
+        env["FAKETIME_NO_CACHE"] = "1";
+        // The sanitizer runtime wants to come first among the libraries; the preload moves it.
+        std::string asan = env.count("ASAN_OPTIONS") ? env["ASAN_OPTIONS"] : "";
+        env["ASAN_OPTIONS"] = (asan.empty() ? "" : asan + ":") + "verify_asan_link_order=0";
+    }
+    for (const auto& [name, value] : options.env)
+        env[name] = value;
+    std::vector<std::string> envStrings;
+    for (const auto& [name, value] : env)
+        envStrings.push_back(name + "=" + value);
+
+    winsize size{};
+    size.ws_row = static_cast<unsigned short>(std::max(0, options.rows));
+    size.ws_col = static_cast<unsigned short>(std::max(0, options.cols));
+
+    // Prepared before the fork: the child only execs.
+    std::vector<char*> argv, envp;
+    for (auto& arg : options.argv)
+        argv.push_back(arg.data());
+    argv.push_back(nullptr);
+    for (auto& entry : envStrings)
+        envp.push_back(entry.data());
+    envp.push_back(nullptr);
+
+    pid_ = forkpty(&master_, nullptr, nullptr, &size);
+    if (pid_ < 0)
+        throw std::runtime_error(std::string("forkpty failed: ") + strerror(errno));
+    if (pid_ == 0) {
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        for (int sig : {SIGPIPE, SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGWINCH, SIGUSR1, SIGUSR2, SIGCHLD})
+            signal(sig, SIG_DFL);
+        execve(argv[0], argv.data(), envp.data());
+        const std::string msg = "exec " + std::string(argv[0]) + ": " + strerror(errno) + "\r\n";
+        [[maybe_unused]] auto n = write(1, msg.data(), msg.size());
+        _exit(127);
+    }
+    fcntl(master_, F_SETFD, FD_CLOEXEC);
+    fcntl(master_, F_SETFL, fcntl(master_, F_GETFL) | O_NONBLOCK);
+    if (const char* name = ptsname(master_))
+        slave_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+}
+
+Console::~Console()
+{
+    if (!exit_ && pid_ > 0) {
+        kill(-pid_, SIGKILL);
+        kill(pid_, SIGKILL);
+        int status = 0;
+        while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+        }
+    }
+    if (slave_ >= 0)
+        close(slave_);
+    if (master_ >= 0)
+        close(master_);
+}
+
+void Console::Send(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t n = write(master_, bytes.data(), bytes.size());
+        if (n > 0) {
+            bytes.remove_prefix(static_cast<size_t>(n));
+        } else if (n < 0 && (errno == EAGAIN || errno == EINTR)) {
+            // The program is not reading; take its output so it can go on.
+            Pump(Duration(10));
+        } else {
+            ADD_FAILURE() << "cannot write to the terminal: " << strerror(errno);
+            return;
+        }
+    }
+}
+
+void Console::Signal(int sig)
+{
+    if (!exit_)
+        kill(pid_, sig);
+}
+
+void Console::Resize(int rows, int cols)
+{
+    rows_ = rows;
+    cols_ = cols;
+    vterm_set_size(vt_->vt, rows, cols);
+    winsize size{};
+    size.ws_row = static_cast<unsigned short>(rows);
+    size.ws_col = static_cast<unsigned short>(cols);
+    ioctl(master_, TIOCSWINSZ, &size);
+}
+
+void Console::Feed(const char* bytes, size_t length)
+{
+    transcript_.append(bytes, length);
+    vterm_input_write(vt_->vt, bytes, length);
+}
+
+void Console::Pump(Duration wait)
+{
+    const auto deadline = Clock::now() + wait;
+    bool first = true;
+    for (;;) {
+        pollfd pfd{master_, POLLIN, 0};
+        const int ready = poll(&pfd, 1, first ? MillisLeft(deadline) : 0);
+        first = false;
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready <= 0 || !(pfd.revents & POLLIN))
+            break;
+        char buffer[16384];
+        const ssize_t n = read(master_, buffer, sizeof buffer);
+        if (n <= 0)
+            break;
+        Feed(buffer, static_cast<size_t>(n));
+    }
+    Reap();
+}
+
+void Console::Reap()
+{
+    if (exit_ || pid_ <= 0)
+        return;
+    int status = 0;
+    if (waitpid(pid_, &status, WNOHANG) == pid_) {
+        exit_ = ExitInfo{status};
+        Drain();
+    }
+}
+
+// The kernel hands written bytes to the reading side a little later; after the end, read until
+// the terminal has been quiet for a moment.
+void Console::Drain()
+{
+    for (;;) {
+        pollfd pfd{master_, POLLIN, 0};
+        if (poll(&pfd, 1, 50) <= 0 || !(pfd.revents & POLLIN))
+            return;
+        char buffer[16384];
+        const ssize_t n = read(master_, buffer, sizeof buffer);
+        if (n <= 0)
+            return;
+        Feed(buffer, static_cast<size_t>(n));
+    }
+}
+
+bool Console::Running()
+{
+    Pump();
+    return !exit_;
+}
+
+::testing::AssertionResult Console::WaitFor(const std::function<bool()>& condition, Duration timeout,
+                                            std::string_view what)
+{
+    const auto deadline = Clock::now() + timeout;
+    for (;;) {
+        Pump();
+        if (condition())
+            return ::testing::AssertionSuccess();
+        if (Clock::now() >= deadline)
+            break;
+        // Wake on output, and in any case soon, since the condition may look at files.
+        Pump(Duration(std::min(20, MillisLeft(deadline))));
+    }
+    return ::testing::AssertionFailure() << what << " not met within " << timeout.count() << " ms\n" << Describe();
+}
+
+::testing::AssertionResult Console::WaitForText(std::string_view text, Duration timeout)
+{
+    const auto deadline = Clock::now() + timeout;
+    for (;;) {
+        Pump();
+        if (Find(text))
+            return ::testing::AssertionSuccess();
+        if (exit_ || Clock::now() >= deadline)
+            break;
+        Pump(Duration(std::min(100, MillisLeft(deadline))));
+    }
+    return ::testing::AssertionFailure() << "\"" << text << "\" not shown"
+                                         << (exit_ ? " before the process ended" : " within " + std::to_string(timeout.count()) + " ms")
+                                         << "\n"
+                                         << Describe();
+}
+
+::testing::AssertionResult Console::WaitForTextGone(std::string_view text, Duration timeout)
+{
+    return WaitFor([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone");
+}
+
+std::optional<ExitInfo> Console::WaitForExit(Duration timeout)
+{
+    const auto deadline = Clock::now() + timeout;
+    for (;;) {
+        Pump();
+        if (exit_ || Clock::now() >= deadline)
+            return exit_;
+        Pump(Duration(std::min(20, MillisLeft(deadline))));
+    }
+}
+
+::testing::AssertionResult Console::ExitsWith(int code, Duration timeout)
+{
+    const auto info = WaitForExit(timeout);
+    if (!info)
+        return ::testing::AssertionFailure() << "process still running after " << timeout.count() << " ms\n"
+                                             << Describe();
+    if (info->Exited() && info->Code() == code)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "expected exit status " << code << ", " << info->Describe() << "\n"
+                                         << Describe();
+}
+
+Cell Console::CellAt(int row, int col) const
+{
+    Cell cell;
+    VTermScreenCell raw{};
+    if (row < 0 || col < 0 || row >= rows_ || col >= cols_ ||
+        !vterm_screen_get_cell(vt_->screen, VTermPos{row, col}, &raw)) {
+        cell.text = " ";
+        return cell;
+    }
+    for (int i = 0; i < VTERM_MAX_CHARS_PER_CELL && raw.chars[i] != 0; ++i) {
+        if (raw.chars[i] == static_cast<uint32_t>(-1))
+            break;
+        AppendUtf8(cell.text, raw.chars[i]);
+    }
+    if (cell.text.empty())
+        cell.text = " ";
+    cell.fg = vt_->Convert(raw.fg, true);
+    cell.bg = vt_->Convert(raw.bg, false);
+    cell.bold = raw.attrs.bold;
+    cell.underline = raw.attrs.underline != 0;
+    cell.blink = raw.attrs.blink;
+    cell.reverse = raw.attrs.reverse;
+    return cell;
+}
+
+std::string Console::Text(int row, int col, int length) const
+{
+    std::string text;
+    for (int c = col; c < col + length && c < cols_; ++c) {
+        VTermScreenCell raw{};
+        if (vterm_screen_get_cell(vt_->screen, VTermPos{row, c}, &raw) && raw.chars[0] == static_cast<uint32_t>(-1))
+            continue; // right half of a wide character
+        text += CellAt(row, c).text;
+    }
+    return text;
+}
+
+std::string Console::Row(int row) const { return RightTrim(Text(row, 0, cols_)); }
+
+std::string Console::ScreenText() const
+{
+    std::string text;
+    for (int r = 0; r < rows_; ++r) {
+        if (r)
+            text += '\n';
+        text += Row(r);
+    }
+    return text;
+}
+
+std::optional<std::pair<int, int>> Console::Find(std::string_view text) const
+{
+    for (int r = 0; r < rows_; ++r) {
+        // Column positions count cells, so search cell by cell.
+        std::vector<std::pair<size_t, int>> starts; // byte offset -> column
+        std::string line;
+        for (int c = 0; c < cols_; ++c) {
+            starts.emplace_back(line.size(), c);
+            line += CellAt(r, c).text;
+        }
+        const size_t at = line.find(text);
+        if (at == std::string::npos)
+            continue;
+        int col = 0;
+        for (const auto& [offset, column] : starts)
+            if (offset <= at)
+                col = column;
+        return std::make_pair(r, col);
+    }
+    return std::nullopt;
+}
+
+termios Console::Modes() const
+{
+    termios modes{};
+    tcgetattr(slave_ >= 0 ? slave_ : master_, &modes);
+    return modes;
+}
+
+std::string Console::Describe() const
+{
+    std::ostringstream out;
+    out << "command: " << command_ << "\n";
+    out << "process: " << (exit_ ? exit_->Describe() : "running, pid " + std::to_string(pid_)) << "\n";
+    out << "screen (" << cols_ << "x" << rows_ << "):\n";
+    out << "+" << std::string(static_cast<size_t>(cols_), '-') << "+\n";
+    for (int r = 0; r < rows_; ++r) {
+        std::string row = Text(r, 0, cols_);
+        out << "|" << row << "|\n";
+    }
+    out << "+" << std::string(static_cast<size_t>(cols_), '-') << "+\n";
+    return out.str();
+}
+
+} // namespace LanyxE2E

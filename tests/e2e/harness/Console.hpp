@@ -1,0 +1,152 @@
+// A program running on a pseudo-terminal whose output is interpreted by a terminal emulator,
+// so a test sees the screen the operator would see.
+#pragma once
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <termios.h>
+
+#include <gtest/gtest.h>
+
+#include "harness/Process.hpp"
+
+namespace LanyxE2E {
+
+// Bytes an xterm sends for named keys while the program has the keypad in application mode
+// (as curses programs do). Raw sequences of other terminals are sent with Send as they are.
+namespace Keys {
+inline constexpr std::string_view Enter = "\r";
+inline constexpr std::string_view Escape = "\x1b";
+inline constexpr std::string_view Tab = "\t";
+inline constexpr std::string_view Backspace = "\x7f";
+inline constexpr std::string_view Up = "\x1bOA";
+inline constexpr std::string_view Down = "\x1bOB";
+inline constexpr std::string_view Right = "\x1bOC";
+inline constexpr std::string_view Left = "\x1bOD";
+inline constexpr std::string_view Home = "\x1bOH";
+inline constexpr std::string_view End = "\x1bOF";
+inline constexpr std::string_view Insert = "\x1b[2~";
+inline constexpr std::string_view Delete = "\x1b[3~";
+inline constexpr std::string_view PageUp = "\x1b[5~";
+inline constexpr std::string_view PageDown = "\x1b[6~";
+// F1 .. F12.
+std::string_view F(int n);
+} // namespace Keys
+
+struct Rgb {
+    int red = 0, green = 0, blue = 0;
+    bool operator==(const Rgb&) const = default;
+};
+
+struct Color {
+    enum class Kind { Default, Indexed, Direct };
+    Kind kind = Kind::Default;
+    int index = -1; // palette index for Indexed
+    Rgb rgb;        // what the terminal shows, palette redefinitions included
+
+    bool IsIndex(int i) const { return kind == Kind::Indexed && index == i; }
+};
+
+struct Cell {
+    std::string text; // UTF-8, " " for an empty cell
+    Color fg, bg;
+    bool bold = false, underline = false, blink = false, reverse = false;
+};
+
+std::ostream& operator<<(std::ostream& out, const Color& color);
+std::ostream& operator<<(std::ostream& out, const Cell& cell);
+
+struct ConsoleOptions {
+    std::vector<std::string> argv;  // argv[0] is the program path; empty: the built lanyx
+    std::string hostRoot;           // LANYX_HOST_ROOT; left unset when empty
+    std::string term = "xterm-256color"; // TERM; left unset when empty
+    int rows = 25, cols = 80;       // 0 x 0 gives a terminal that reports no size
+    std::string faketime;           // e.g. "+0 x100": run under libfaketime with this FAKETIME
+    std::vector<std::pair<std::string, std::string>> env; // further variables
+};
+
+// A console for the built lanyx on `root` with the given extra arguments.
+ConsoleOptions LanyxOptions(const std::string& root, std::vector<std::string> args = {});
+
+class Console {
+public:
+    explicit Console(ConsoleOptions options);
+    ~Console(); // kills the process group if it still runs
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+
+    pid_t Pid() const { return pid_; }
+
+    // Writes raw bytes to the terminal's input.
+    void Send(std::string_view bytes);
+    // Sends a signal to the process.
+    void Signal(int sig);
+    // Changes the terminal size as a terminal window would: the process gets SIGWINCH.
+    void Resize(int rows, int cols);
+
+    // Reads pending output for at most `wait` (0: only what is there).
+    void Pump(Duration wait = Duration(0));
+
+    // Waits until the screen shows `text`. Fails early once the process has ended and its
+    // output is drained. The failure message holds the screen.
+    ::testing::AssertionResult WaitForText(std::string_view text, Duration timeout = 10s);
+    // Waits until `text` has gone from the screen.
+    ::testing::AssertionResult WaitForTextGone(std::string_view text, Duration timeout = 10s);
+    // Waits until `condition` holds while pumping output; runs to the deadline even after the
+    // process has ended (the condition may look at files).
+    ::testing::AssertionResult WaitFor(const std::function<bool()>& condition, Duration timeout = 10s,
+                                       std::string_view what = "condition");
+
+    // Waits for the process to end while draining its output. nullopt at the deadline.
+    std::optional<ExitInfo> WaitForExit(Duration timeout = 10s);
+    // Waits for the end and checks that the process exited with `code`.
+    ::testing::AssertionResult ExitsWith(int code, Duration timeout = 10s);
+    bool Running();
+    std::optional<ExitInfo> Exit() const { return exit_; }
+
+    int Rows() const { return rows_; }
+    int Cols() const { return cols_; }
+    // The screen, rows joined with '\n', trailing blanks of each row removed.
+    std::string ScreenText() const;
+    // One row (0-based), trailing blanks removed.
+    std::string Row(int row) const;
+    // `length` cells of a row from `col` (0-based), as shown.
+    std::string Text(int row, int col, int length) const;
+    Cell CellAt(int row, int col) const;
+    // The first position of `text` on the screen (row, column), if shown.
+    std::optional<std::pair<int, int>> Find(std::string_view text) const;
+
+    bool CursorVisible() const { return cursorVisible_; }
+    bool AltScreen() const { return altScreen_; }
+    // Terminal modes of the pseudo-terminal as the program left them.
+    termios Modes() const;
+    // Everything the program wrote, for diagnosis.
+    const std::string& Transcript() const { return transcript_; }
+    // A printable dump of the screen with the process state, for failure messages.
+    std::string Describe() const;
+
+private:
+    struct Emulator;
+    void Reap();
+    void Drain();
+    void Feed(const char* bytes, size_t length);
+
+    std::unique_ptr<Emulator> vt_;
+    pid_t pid_ = -1;
+    int master_ = -1;
+    int slave_ = -1; // held open so that output written just before the end is never lost
+    int rows_, cols_;
+    std::optional<ExitInfo> exit_;
+    bool cursorVisible_ = true;
+    bool altScreen_ = false;
+    std::string transcript_;
+    std::string command_;
+};
+
+} // namespace LanyxE2E
