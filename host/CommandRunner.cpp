@@ -112,7 +112,8 @@ void SetNonBlocking(int fd)
         ::fcntl(fd, F_SETFL, flags | O_NONBLOCK);
 }
 
-// Waits up to `microseconds` for output on the sinks, draining whatever arrives.
+// Waits up to `microseconds` for output on the sinks, draining whatever arrives; returns early
+// when a stream reaches its end.
 void PumpFor(Sink* sinks, long microseconds)
 {
     timespec now{};
@@ -140,10 +141,16 @@ void PumpFor(Sink* sinks, long microseconds)
         const int ready = ::poll(fds, count, static_cast<int>((left + 999) / 1000));
         if (ready <= 0)
             continue;
+        bool closed = false;
         for (nfds_t i = 0; i < count; ++i) {
-            if (fds[i].revents != 0)
+            if (fds[i].revents != 0) {
                 owners[i]->Drain();
+                closed = closed || !owners[i]->Active();
+            }
         }
+        // A stream that ended often means the child did: let the caller look.
+        if (closed)
+            return;
     }
 }
 
@@ -310,13 +317,21 @@ int RunCommand(const char* path, const char* const argv[], char* out, int* outLe
     int status = 0;
     bool collected = false;
     for (;;) {
-        const pid_t done = ::waitpid(pid, &status, WNOHANG);
+        pid_t done = ::waitpid(pid, &status, WNOHANG);
         if (done == pid) {
             collected = true;
             break;
         }
         if (done < 0 && errno != EINTR)
             break;
+        if (!timed && !sinks[0].Active() && !sinks[1].Active()) {
+            // Nothing left to drain: the one blocking wait.
+            do {
+                done = ::waitpid(pid, &status, 0);
+            } while (done < 0 && errno == EINTR);
+            collected = done == pid;
+            break;
+        }
         if (timed && budget <= 0) {
             Log(LOG_WARNING, "Killing process because %d seconds timeout expired", timeoutSeconds);
             ::kill(pid, SIGKILL);

@@ -35,7 +35,7 @@ protected:
         WriteScript("/bin/floodboth", "/bin/dd if=/dev/zero bs=65536 count=16 status=none >&2\n"
                                       "exec /bin/dd if=/dev/zero bs=65536 count=16 status=none");
         WriteScript("/bin/hang", "exec /bin/sleep 60");
-        WriteScript("/bin/late", "/bin/sleep 1\nexit 7");
+        WriteScript("/bin/late", "/bin/sleep 0.3\nexit 7");
         WriteScript("/bin/echoin", "exec /bin/cat");
         WriteScript("/bin/noread", "exit 4");
         WriteScript("/bin/daemonize", "/bin/sleep 30 &\nprintf started\nexit 0");
