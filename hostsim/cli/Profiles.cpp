@@ -1,0 +1,162 @@
+// Each profile is the default state with the few changes that make its case.
+#include "cli/Profiles.hpp"
+
+#include <crypt.h>
+
+#include <functional>
+#include <stdexcept>
+
+#include "cli/DefaultState.hpp"
+
+namespace HostSim::Cli {
+
+namespace {
+
+using nlohmann::json;
+
+json& Management(json& state) { return state["network"]["interfaces"][0]; }
+
+void Dhcp(json& state) {
+    json& ipv4 = Management(state)["ipv4"];
+    ipv4["mode"] = "dhcp";
+    ipv4["address"] = "192.168.10.57";
+    ipv4["configuredAddress"] = "0.0.0.0";
+    ipv4["configuredNetmask"] = "0.0.0.0";
+    ipv4["dhcpServer"] = "192.168.10.254";
+    ipv4["dhcpBound"] = true;
+    state["network"]["dns"]["dhcp"] = true;
+    state["ping"]["reachable"].push_back("192.168.10.254");
+}
+
+void DhcpNoServer(json& state) {
+    Dhcp(state);
+    json& ipv4 = Management(state)["ipv4"];
+    ipv4["address"] = "0.0.0.0";
+    ipv4["netmask"] = "0.0.0.0";
+    ipv4["dhcpServer"] = "0.0.0.0";
+    ipv4["dhcpBound"] = false;
+    state["network"]["gateway"] = "";
+}
+
+// The management interface hangs on port 12 of a distributed switch that holds hwport2 and hwport3;
+// the standard switch keeps only the guests' port group.
+void Fabric(json& state) {
+    Management(state)["connection"] = {{"type", "fabric"}, {"fabric", "fab-prod"}, {"portId", "12"}};
+    state["switches"][0]["portGroups"] = {"VM Network"};
+    state["portGroups"] = json::array({state["portGroups"][1]});
+    state["fabrics"] = json::array(
+        {{{"name", "fab-prod"},
+          {"id", "50 0c 3a 1e 77 21 4b 09-8e 3d 02 aa 5f 61 c0 1d"},
+          {"lanyxOwned", true},
+          {"uplinks", {{"hwport2", {{"portId", "100"}, {"portKey", "uplink1"}}},
+                       {"hwport3", {{"portId", "101"}, {"portKey", "uplink2"}}}}},
+          {"ports", json::array({{{"id", "12"}, {"name", "mgmt-port-12"}, {"portGroup", "dvportgroup-21"},
+                                  {"vlan", 10}, {"hostLocal", false}, {"blocked", false},
+                                  {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
+                                 {{"id", "13"}, {"name", "vmotion-port-13"}, {"portGroup", "dvportgroup-22"},
+                                  {"vlan", 20}, {"hostLocal", false}, {"blocked", false},
+                                  {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}}})}}});
+}
+
+void NoNics(json& state) {
+    state["pnics"] = json::array();
+    for (json& vswitch : state["switches"]) {
+        vswitch["uplinks"] = json::array();
+        vswitch["teaming"]["uplinkOrder"] = json::array();
+    }
+    for (json& group : state["portGroups"]) group["teaming"]["uplinkOrder"] = json::array();
+}
+
+void Ipv6(json& state) {
+    json& ipv6 = Management(state)["ipv6"];
+    ipv6["dhcp"] = true;
+    ipv6["autoconf"] = true;
+    ipv6["addresses"] = json::array({
+        {{"address", "fe80::250:56ff:fe6a:1001"}, {"prefixLength", 64}, {"type", "linklocal"}},
+        {{"address", "2001:db8:10::21"}, {"prefixLength", 64}, {"type", "static"}},
+        {{"address", "2001:db8:10:0:250:56ff:fe6a:1001"}, {"prefixLength", 64}, {"type", "autoconf"}},
+        {{"address", "2001:db8:10::1:9c"}, {"prefixLength", 128}, {"type", "dhcp"}},
+        {{"address", "fd00:10::21"}, {"prefixLength", 64}, {"type", "static"}},
+        {{"address", "2001:db8:ffff:1234:5678:9abc:def0:21"}, {"prefixLength", 64}, {"type", "static"}}});
+    state["network"]["ipv6Gateway"] = "2001:db8:10::1";
+    state["ping"]["reachable"].push_back("2001:db8:10::1");
+}
+
+void SmartCard(json& state) {
+    state["smartCard"]["slots"][0]["token"] = {
+        {"label", "PIV Card"}, {"manufacturer", "Cardline"}, {"model", "PIV-II"}, {"serialNumber", "0042A7F3"},
+        {"slotDescription", "Reader 0 Slot 0"}, {"firmware", "2.1"},
+        {"certificates", {"CN=root,OU=Operators,O=Lab"}}, {"userIds", {"root"}}};
+}
+
+void Gridmesh(json& state) { state["gridmesh"] = {{"present", true}, {"version", "3.2.1"}, {"running", true}}; }
+
+void Lockdown(json& state) {
+    state["lockdown"] = {{"enabled", true}, {"possible", true}};
+}
+
+const std::vector<std::pair<Profile, std::function<void(json&)>>>& Table() {
+    static const std::vector<std::pair<Profile, std::function<void(json&)>>> table = {
+        {{"default", "static IPv4 host on a standard switch with two uplinks, four NICs", true}, nullptr},
+        {{"dhcp", "management address from DHCP, server answered", true}, Dhcp},
+        {{"dhcp-no-server", "DHCP configured, no server answered (address 0.0.0.0)", true}, DhcpNoServer},
+        {{"fabric", "management interface on a distributed switch port", true}, Fabric},
+        {{"no-nics", "no physical network adapter", true}, NoNics},
+        {{"audit-mode", "host booted in audit mode", true}, [](json& s) { s["bootOption"]["auditMode"] = true; }},
+        {{"pxe-boot", "host booted over PXE (user option PXEBootEnabled)", true},
+         [](json& s) { s["userOptions"]["PXEBootEnabled"] = "true"; }},
+        {{"custom-welcome", "host-supplied welcome message with substitution tags", true},
+         [](json& s) {
+             s["welcomeMessage"] =
+                 "{align:center}{color:white}{ostraproduct} {ostraversion}{/color}{/align}\n\n"
+                 "Host {hostname} ({ip})\nMemory: {memory}  Serial: {serial-number}  Service tag: {servicetag}\n"
+                 "BIOS: {BIOSversion}  Asset tag: {assettag}\n\n"
+                 "{color:light-grey}Authorized use only.{/color}\n"
+                 "{align:right}<F2> Customize System  <F12> Shut Down/Restart{/align}";
+         }},
+        {{"smartcard", "a smart card with user id root in the reader", true}, SmartCard},
+        {{"gridmesh", "overlay network agent present at version 3", true}, Gridmesh},
+        {{"ipv6", "several IPv6 addresses of every type on the management interface", true}, Ipv6},
+        {{"lockdown", "lockdown mode enabled", true}, Lockdown},
+        {{"no-login", "console closed for login (no login marker)", false}, nullptr},
+    };
+    return table;
+}
+
+} // namespace
+
+std::string HashPassword(const std::string& password, const std::string& salt) {
+    crypt_data data{};
+    const char* hash = crypt_r(password.c_str(), ("$6$" + salt + "$").c_str(), &data);
+    if (hash == nullptr || hash[0] == '*') throw std::runtime_error("Cannot hash a password");
+    return hash;
+}
+
+const std::vector<Profile>& Profiles() {
+    static const std::vector<Profile> profiles = [] {
+        std::vector<Profile> list;
+        for (const auto& entry : Table()) list.push_back(entry.first);
+        return list;
+    }();
+    return profiles;
+}
+
+const Profile* FindProfile(const std::string& name) {
+    for (const Profile& profile : Profiles()) {
+        if (profile.name == name) return &profile;
+    }
+    return nullptr;
+}
+
+nlohmann::json ProfileState(const std::string& name) {
+    json state = DefaultState();
+    for (const auto& [profile, change] : Table()) {
+        if (profile.name != name) continue;
+        if (change) change(state);
+        state["profile"] = name;
+        return state;
+    }
+    throw std::invalid_argument("Unknown profile " + name);
+}
+
+} // namespace HostSim::Cli
