@@ -9,11 +9,18 @@ namespace {
 constexpr std::array<int, 6> pairOrder = {ColorWhite, ColorBlack, ColorAmber,
                                           ColorLightGrey, ColorDarkGrey, ColorRed};
 
+// An attribute carries 8 bits of pair number. On a terminal with so many colours that the
+// pairs of the six would not fit, they are numbered as on an eight-colour terminal.
+int PairColors(int colors)
+{
+    return ColorWhite + ColorWhite * colors + 1 <= 255 ? colors : 8;
+}
+
 } // namespace
 
 int PairNumber(int foreground, int background, int colors)
 {
-    return foreground + background * colors + 1;
+    return foreground + background * PairColors(colors) + 1;
 }
 
 attr_t ColorAttrFor(int background, int foreground, bool isMonochrome, int colors)

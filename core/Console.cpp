@@ -82,7 +82,12 @@ void StartCurses()
 {
     initscr();
     start_color();
-    std::atexit([] { endwin(); });
+    // Every exit() leaves the terminal in its normal mode; after the regular end curses is
+    // already down and the palette reset must stay the last thing written.
+    std::atexit([] {
+        if (!isendwin())
+            endwin();
+    });
     curs_set(0);
     cbreak();
     noecho();

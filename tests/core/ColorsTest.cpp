@@ -15,8 +15,12 @@ TEST(ColorAttr, ColourModeGivesPairShiftedBy8)
     EXPECT_EQ(ColorAttrFor(ColorAmber, ColorWhite, false, 8), attr_t{7 + 1 + 3 * 8} << 8);
     EXPECT_EQ(ColorAttrFor(ColorBlack, ColorDarkGrey, false, 8), attr_t{7} << 8);
     EXPECT_EQ(ColorAttrFor(ColorWhite, ColorWhite, false, 8), attr_t{64} << 8);
-    // The terminal's COLORS takes part: the same colours give another pair with 256 colours.
-    EXPECT_EQ(ColorAttrFor(ColorAmber, ColorRed, false, 256), attr_t{1 + 1 + 3 * 256} << 8);
+    // The terminal's COLORS takes part: the same colours give another pair with 16 colours.
+    EXPECT_EQ(ColorAttrFor(ColorAmber, ColorRed, false, 16), attr_t{1 + 1 + 3 * 16} << 8);
+    // Beyond what the attribute's pair field holds, pairs are numbered as for eight colours
+    // instead of spilling into the video attributes.
+    EXPECT_EQ(ColorAttrFor(ColorAmber, ColorRed, false, 256), attr_t{1 + 1 + 3 * 8} << 8);
+    EXPECT_EQ(ColorAttrFor(ColorWhite, ColorWhite, false, 256) & ~A_COLOR, attr_t{0});
     // The attribute is the pair COLOR_PAIR makes, as long as the pair fits its field.
     EXPECT_EQ(ColorAttrFor(ColorDarkGrey, ColorLightGrey, false, 8),
               static_cast<attr_t>(COLOR_PAIR(PairNumber(2, 6, 8))));
@@ -64,13 +68,15 @@ TEST(Palette, RedefinesFiveColoursInOrder)
 TEST(Palette, ThirtySixPairsForegroundInsideBackground)
 {
     const int order[6] = {7, 0, 3, 2, 6, 1};
-    for (int colors : {8, 16, 256}) {
+    for (int colors : {8, 16, 35, 36, 88, 256}) {
         const auto pairs = PairDefinitions(colors);
         std::set<int> numbers;
         for (size_t i = 0; i < pairs.size(); ++i) {
             EXPECT_EQ(pairs[i].background, order[i / 6]);
             EXPECT_EQ(pairs[i].foreground, order[i % 6]);
-            EXPECT_EQ(pairs[i].pair, pairs[i].foreground + pairs[i].background * colors + 1);
+            EXPECT_EQ(pairs[i].pair,
+                      pairs[i].foreground + pairs[i].background * (colors > 35 ? 8 : colors) + 1);
+            EXPECT_LE(pairs[i].pair, 255);
             // Every pair ColorAttr can ask for is one that was initialised.
             EXPECT_EQ(ColorAttrFor(pairs[i].background, pairs[i].foreground, false, colors) >> 8,
                       static_cast<attr_t>(pairs[i].pair));
