@@ -1,0 +1,158 @@
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "TempRoot.hpp"
+
+using HostSim::StateError;
+using HostSimTest::TempRoot;
+
+namespace {
+
+const char* kStatePath = "/var/lib/hostsim/state.json";
+
+// The StateError text of a read, or "" when the read succeeded.
+std::string ReadError(const TempRoot& root) {
+    try {
+        root.Store().Read();
+    } catch (const StateError& e) {
+        return e.what();
+    }
+    return "";
+}
+
+} // namespace
+
+TEST(StateStore, RootPathJoinsUnderTheRoot) {
+    EXPECT_EQ(HostSim::RootPath("/tmp/r", "/var/log/x"), "/tmp/r/var/log/x");
+    EXPECT_EQ(HostSim::RootPath("/tmp/r/", "/var/log/x"), "/tmp/r/var/log/x");
+    EXPECT_EQ(HostSim::RootPath("/", "/var/log/x"), "/var/log/x");
+    EXPECT_EQ(HostSim::RootPath("", "/var/log/x"), "/var/log/x");
+}
+
+TEST(StateStore, HostRootFollowsTheEnvironment) {
+    ::setenv("LANYX_HOST_ROOT", "", 1);
+    EXPECT_EQ(HostSim::HostRoot(), "/");
+    ::unsetenv("LANYX_HOST_ROOT");
+    EXPECT_EQ(HostSim::HostRoot(), "/");
+    ::setenv("LANYX_HOST_ROOT", "/tmp/elsewhere", 1);
+    EXPECT_EQ(HostSim::HostRoot(), "/tmp/elsewhere");
+    ::unsetenv("LANYX_HOST_ROOT");
+}
+
+TEST(StateStore, WriteThenReadGivesTheDocument) {
+    TempRoot root;
+    root.Store().Write({{"host", {{"hostname", "a"}}}});
+    root.Store().Update([](nlohmann::json& s) { s["host"]["domain"] = "b"; });
+    auto state = root.Store().Read();
+    EXPECT_EQ(state["host"]["hostname"], "a");
+    EXPECT_EQ(state["host"]["domain"], "b");
+}
+
+TEST(StateStore, DamagedStatesAreNamedAndLeftAsTheyWere) {
+    TempRoot root;
+    EXPECT_NE(ReadError(root).find("missing"), std::string::npos);
+    EXPECT_NE(ReadError(root).find(root.File(kStatePath)), std::string::npos);
+
+    for (const std::string& damaged : {std::string(""), std::string("{\"host\": {\"hostname\": \"a"),
+                                      std::string("[1, 2]"), std::string("\x01\x02garbage")}) {
+        SCOPED_TRACE(damaged);
+        root.WriteRaw(kStatePath, damaged);
+        std::string error = ReadError(root);
+        EXPECT_NE(error.find(root.File(kStatePath)), std::string::npos) << error;
+        EXPECT_THROW(root.Store().Update([](nlohmann::json& s) { s["x"] = 1; }), StateError);
+        EXPECT_EQ(root.Read(kStatePath), damaged);
+    }
+    root.WriteRaw(kStatePath, "");
+    EXPECT_NE(ReadError(root).find("empty"), std::string::npos);
+}
+
+TEST(StateStore, MissingFolderIsAStateErrorNotACrash) {
+    TempRoot root;
+    HostSim::StateStore store(root.Path() + "/nowhere");
+    EXPECT_THROW(store.Read(), StateError);
+    EXPECT_THROW(store.Update([](nlohmann::json&) {}), StateError);
+    EXPECT_THROW(store.Write(nlohmann::json::object()), StateError);
+}
+
+TEST(StateStore, AChangeThatThrowsWritesNothing) {
+    TempRoot root;
+    root.Store().Write({{"n", 1}});
+    const std::string before = root.Read(kStatePath);
+    EXPECT_THROW(root.Store().Update([](nlohmann::json& s) {
+        s["n"] = 2;
+        throw std::runtime_error("no");
+    }),
+                 std::runtime_error);
+    EXPECT_EQ(root.Read(kStatePath), before);
+    // No temporary file is left behind either.
+    int files = 0;
+    for (auto& entry : std::filesystem::directory_iterator(root.File("/var/lib/hostsim"))) {
+        (void)entry;
+        ++files;
+    }
+    EXPECT_EQ(files, 2); // state.json and state.lock
+}
+
+TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
+    TempRoot root;
+    // A large padding makes a torn write visible as a parse error.
+    root.Store().Write({{"count", 0}, {"padding", std::string(50000, 'x')}});
+    constexpr int kProcesses = 4;
+    constexpr int kIncrements = 25;
+    std::vector<pid_t> children;
+    for (int p = 0; p < kProcesses; ++p) {
+        pid_t pid = ::fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            try {
+                for (int i = 0; i < kIncrements; ++i) {
+                    root.Store().Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
+                }
+            } catch (...) {
+                ::_exit(1);
+            }
+            ::_exit(0);
+        }
+        children.push_back(pid);
+    }
+    std::atomic<bool> done{false};
+    std::atomic<int> badReads{0};
+    std::atomic<int> reads{0};
+    std::thread reader([&] {
+        while (!done) {
+            try {
+                auto s = root.Store().Read();
+                if (s["padding"].get<std::string>().size() != 50000) ++badReads;
+            } catch (...) {
+                ++badReads;
+            }
+            ++reads;
+        }
+    });
+    // Threads of this process write too.
+    std::vector<std::thread> writers;
+    for (int t = 0; t < 2; ++t) {
+        writers.emplace_back([&] {
+            for (int i = 0; i < kIncrements; ++i) {
+                root.Store().Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
+            }
+        });
+    }
+    for (auto& w : writers) w.join();
+    for (pid_t pid : children) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(pid, &status, 0), pid);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    done = true;
+    reader.join();
+    EXPECT_EQ(badReads, 0);
+    EXPECT_GT(reads, 0);
+    EXPECT_EQ(root.Store().Read()["count"], (kProcesses + 2) * kIncrements);
+}
