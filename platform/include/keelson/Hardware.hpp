@@ -1,5 +1,6 @@
 // Host control library: hardware facts and smart-card readers.
 #pragma once
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -32,5 +33,26 @@ public:
 
 // The one global instance.
 SmartCardInfoImpl& GetSmartCardInfo();
+
+// System vendor, product name and serial number.
+class HardwareInfoImpl : public virtual Keelson::Lib::KeelsonObject {
+public:
+    std::string GetVendorName() const;
+    std::string GetProductName() const;
+    std::string GetSerialNumber() const;
+};
+
+class CpuInfoImpl : public virtual Keelson::Lib::KeelsonObject {
+public:
+    int GetNumCpuPackages() const;
+    // The model name as the host reports it, white space and all.
+    std::string GetModelName() const;
+};
+
+class MemoryInfoImpl : public virtual Keelson::Lib::KeelsonObject {
+public:
+    uint64_t GetTotalPages() const;
+    uint64_t GetPageSize() const;
+};
 
 } // namespace TesselCtl::Hardware
