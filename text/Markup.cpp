@@ -48,7 +48,9 @@ std::map<std::string, TagSource>& PluggedSources() {
     return sources;
 }
 
-bool IsSpace(unsigned char c) { return std::isspace(c) != 0; }
+bool IsSpace(unsigned char c) {
+    return std::isspace(c) != 0;
+}
 
 // Name is what stands before the first colon, value what stands after it; without a colon
 // the whole tag is both.
@@ -142,18 +144,16 @@ private:
             if (breakPos_ && *breakPos_ < out_.size()) {
                 const size_t brk = *breakPos_;
                 out_[brk] = '\n';
+                size_t shift = 0;
                 // wordLen_ counts the cells from the blank on, so the line left behind lost
                 // exactly that many; a right or centred region on it is shifted to match.
                 if ((align_ == AlignMode::Right || align_ == AlignMode::Centre) &&
                     alignStart_ <= brk) {
-                    const int64_t shift = align_ == AlignMode::Right ? wordLen_ : wordLen_ / 2;
-                    breakPos_.reset();
-                    const size_t pos = AlignInsertPos();
-                    out_.insert(pos, static_cast<size_t>(std::max<int64_t>(shift, 0)), ' ');
-                    lineStart_ = brk + 1 + static_cast<size_t>(std::max<int64_t>(shift, 0));
-                } else {
-                    lineStart_ = brk + 1;
+                    shift =
+                        static_cast<size_t>(align_ == AlignMode::Right ? wordLen_ : wordLen_ / 2);
+                    out_.insert(AlignInsertPos(), shift, ' ');
                 }
+                lineStart_ = brk + 1 + shift;
                 left_ = width_ + 1 - wordLen_;
                 breakPos_.reset();
                 wordLen_ = 0;
@@ -326,7 +326,7 @@ size_t Utf8SequenceLength(std::string_view bytes, size_t i, uint32_t& codePoint)
 } // namespace
 
 ColorNameMap MakeColorNames() {
-    return {{"white", 7}, {"black", 0}, {"dark-grey", 6},
+    return {{"white", 7},      {"black", 0},  {"dark-grey", 6},
             {"light-grey", 2}, {"yellow", 3}, {"red", 1}};
 }
 

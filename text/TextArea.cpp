@@ -8,57 +8,48 @@ namespace Lanyx {
 
 TextArea::TextArea(Window* parent, int x, int y, int width, int height, int foreground)
     : Window(parent, x, y, width, height, -1, -1), colorNames(MakeColorNames()),
-      tagSources(MakeTagSources())
-{
+      tagSources(MakeTagSources()) {
     SetColors(-1, foreground);
 }
 
-void TextArea::SetText(const char* newText)
-{
+void TextArea::SetText(const char* newText) {
     text = newText ? newText : "";
     Redraw();
 }
 
-void TextArea::SetText(const std::string& newText)
-{
+void TextArea::SetText(const std::string& newText) {
     text = newText;
     Redraw();
 }
 
-void TextArea::AppendText(const char* more)
-{
+void TextArea::AppendText(const char* more) {
     if (more)
         text += more;
     Redraw();
 }
 
-void TextArea::AppendText(const std::string& more)
-{
+void TextArea::AppendText(const std::string& more) {
     text += more;
     Redraw();
 }
 
-void TextArea::SetActive(bool newActive)
-{
+void TextArea::SetActive(bool newActive) {
     active = newActive;
     Window::SetActive(newActive);
     Redraw();
 }
 
-void TextArea::Redraw()
-{
+void TextArea::Redraw() {
     if (handle)
         werase(handle.get());
     Render(Format());
 }
 
-std::string TextArea::Format() const
-{
+std::string TextArea::Format() const {
     return Lanyx::Format(text, width, tagSources);
 }
 
-void TextArea::Render(const std::string& formatted)
-{
+void TextArea::Render(const std::string& formatted) {
     RenderWindow window;
     window.width = width;
     window.height = height;

@@ -45,10 +45,9 @@ const char* VersionLine() {
     } catch (const Keelson::Lib::KeelsonException&) {
         return ""; // the next lookup asks the kernel again
     }
-    const std::string line =
-        Keelson::Misc::StrPrintf("%s %s (Tessel %s Build %s)", Field(record, 0).c_str(),
-                                 Field(record, 1).c_str(), Field(record, 2).c_str(),
-                                 Field(record, 3).c_str());
+    const std::string line = Keelson::Misc::StrPrintf(
+        "%s %s (Tessel %s Build %s)", Field(record, 0).c_str(), Field(record, 1).c_str(),
+        Field(record, 2).c_str(), Field(record, 3).c_str());
     const size_t length = std::min(line.size(), sizeof versionLine - 1);
     std::memcpy(versionLine, line.data(), length);
     versionLine[length] = '\0';

@@ -23,7 +23,9 @@ namespace Lib {
 
 KeelsonException::KeelsonException(std::string text) : text_(std::move(text)) {}
 
-const char* KeelsonException::what() const noexcept { return text_.c_str(); }
+const char* KeelsonException::what() const noexcept {
+    return text_.c_str();
+}
 
 } // namespace Lib
 

@@ -9,7 +9,9 @@
 namespace Lanyx {
 namespace {
 
-std::string Blanks(size_t n) { return std::string(n, ' '); }
+std::string Blanks(size_t n) {
+    return std::string(n, ' ');
+}
 
 class FormatTest : public ::testing::Test {
 protected:
@@ -136,7 +138,8 @@ TEST_F(FormatTest, EmptyTextAndDegenerateWidths) {
 TEST(TagRegistryTest, UnpluggedTagsGiveTheirFallback) {
     const TagSourceMap sources = MakeTagSources();
     EXPECT_EQ(sources.size(), SubstitutionTags().size());
-    EXPECT_EQ(Format("{ip}|{servicetag}|{hostname}|{CPLDversion}", 80, sources), "0.0.0.0|N/A||N/A");
+    EXPECT_EQ(Format("{ip}|{servicetag}|{hostname}|{CPLDversion}", 80, sources),
+              "0.0.0.0|N/A||N/A");
 
     int calls = 0;
     RegisterTagSource("hostname", [&calls] {
@@ -156,9 +159,29 @@ TEST(TagRegistryTest, UnpluggedTagsGiveTheirFallback) {
 // Random markup from the pieces that interact: words, blanks, newlines, all kinds of tags.
 std::string RandomMarkup(std::mt19937& rng) {
     static const char* const pieces[] = {
-        "a", "bb", "cccccc", " ", "  ", "\n", "\t", "{color:red}", "{/color}", "{bgcolor:black}",
-        "{align:right}", "{align:center}", "{align:padding:4}", "{align:padding:0}", "{/align}",
-        "{v}", "{w}", "{", "}", "{}", "{x{y}", "\xc3\xa9", "\xff",
+        "a",
+        "bb",
+        "cccccc",
+        " ",
+        "  ",
+        "\n",
+        "\t",
+        "{color:red}",
+        "{/color}",
+        "{bgcolor:black}",
+        "{align:right}",
+        "{align:center}",
+        "{align:padding:4}",
+        "{align:padding:0}",
+        "{/align}",
+        "{v}",
+        "{w}",
+        "{",
+        "}",
+        "{}",
+        "{x{y}",
+        "\xc3\xa9",
+        "\xff",
     };
     std::uniform_int_distribution<size_t> pick(0, std::size(pieces) - 1);
     std::uniform_int_distribution<int> count(0, 40);
@@ -178,8 +201,8 @@ TEST_F(FormatTest, NoLineIsEverWiderThanTheWindow) {
         const int width = 1 + round % 12;
         const std::string out = F(text, width);
         for (int cells : LineCells(out)) {
-            ASSERT_LE(cells, width) << "width " << width << " text [" << text << "] out [" << out
-                                    << "]";
+            ASSERT_LE(cells, width)
+                << "width " << width << " text [" << text << "] out [" << out << "]";
         }
     }
 }

@@ -58,8 +58,8 @@ TEST_F(RenderTest, WhatLiesBelowTheWindowIsNotDrawn) {
     window.height = 2;
     EXPECT_EQ(Plan("one\ntwo\nthree"), (Steps{Print(0, 0, "one"), Print(0, 1, "two")}));
     window.height = 1;
-    const std::string footer = Format("<Esc> Cancel{align:right}<Enter> Accept changes{/align}",
-                                      window.width, {});
+    const std::string footer =
+        Format("<Esc> Cancel{align:right}<Enter> Accept changes{/align}", window.width, {});
     ASSERT_NE(footer.find('\n'), std::string::npos);
     for (const RenderStep& step : Plan(footer)) {
         EXPECT_EQ(step.y, 0) << step;

@@ -39,7 +39,9 @@ private:
 
 const auto* const curses = ::testing::AddGlobalTestEnvironment(new OffscreenCurses);
 
-int PairOf(attr_t attribute) { return static_cast<int>(PAIR_NUMBER(attribute)); }
+int PairOf(attr_t attribute) {
+    return static_cast<int>(PAIR_NUMBER(attribute));
+}
 
 class TextAreaTest : public ::testing::Test {
 protected:
@@ -134,7 +136,8 @@ TEST_F(TextAreaTest, SubstitutionsAreEvaluatedAtEveryLayout) {
 
 TEST_F(TextAreaTest, EveryByteTakesOneCell) {
     TextArea* area = MakeArea(10, 1);
-    area->SetText("a\tb\xff" "c\x01");
+    area->SetText("a\tb\xff"
+                  "c\x01");
     EXPECT_EQ(Row(area, 0), "a b?c");
 }
 
