@@ -159,7 +159,7 @@ const char* Weakness(const std::string& password) {
     return nullptr;
 }
 
-int Authenticate(pam_handle_t* pamh, int argc, const char** argv) {
+int Authenticate(pam_handle_t* pamh, int flags, int argc, const char** argv) {
     auto root = RootArgument(argc, argv);
     if (!root) return PAM_SERVICE_ERR;
     const char* user = User(pamh);
@@ -175,6 +175,7 @@ int Authenticate(pam_handle_t* pamh, int argc, const char** argv) {
     // An unknown user is told apart from a wrong password by nobody.
     const std::string hash = account ? account->value("hash", std::string()) : std::string("*");
     if (!account || !PasswordMatches(password->Text(), hash)) return PAM_AUTH_ERR;
+    if (hash.empty() && (flags & PAM_DISALLOW_NULL_AUTHTOK)) return PAM_AUTH_ERR;
     return PAM_SUCCESS;
 }
 
@@ -252,9 +253,9 @@ int ChangeToken(pam_handle_t* pamh, int flags, int argc, const char** argv) {
 
 } // namespace
 
-HOSTSIM_EXPORT int pam_sm_authenticate(pam_handle_t* pamh, int /*flags*/, int argc, const char** argv) {
+HOSTSIM_EXPORT int pam_sm_authenticate(pam_handle_t* pamh, int flags, int argc, const char** argv) {
     try {
-        return Authenticate(pamh, argc, argv);
+        return Authenticate(pamh, flags, argc, argv);
     } catch (...) {
         return PAM_SERVICE_ERR;
     }

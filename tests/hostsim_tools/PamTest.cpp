@@ -90,7 +90,8 @@ protected:
                       {"accounts",
                        {{{"name", "root"}, {"hash", Hash("lanyx-Root1", "rootsalt")}, {"expired", false}, {"permitted", true}},
                         {{"name", "guest"}, {"hash", Hash("guest-Pass1", "guestsalt")}, {"expired", false}, {"permitted", false}},
-                        {{"name", "expired"}, {"hash", Hash("expired-Pass1", "oldsalt")}, {"expired", true}, {"permitted", true}}}}};
+                        {{"name", "expired"}, {"hash", Hash("expired-Pass1", "oldsalt")}, {"expired", true}, {"permitted", true}},
+                        {{"name", "open"}, {"hash", ""}, {"expired", false}, {"permitted", true}}}}};
         root_.Store().Write(state);
         confdir_ = root_.Path() + "/etc/pam.d";
         std::filesystem::create_directories(confdir_);
@@ -149,6 +150,9 @@ TEST_F(PamTest, LoginResults) {
     EXPECT_EQ(CheckLogin("guest", "guest-Pass1"), PAM_PERM_DENIED);
     EXPECT_EQ(CheckLogin("guest", "wrong"), PAM_AUTH_ERR);
     EXPECT_EQ(CheckLogin("expired", "expired-Pass1"), PAM_NEW_AUTHTOK_REQD);
+    // An account without a password takes the empty one only.
+    EXPECT_EQ(CheckLogin("open", ""), PAM_SUCCESS);
+    EXPECT_EQ(CheckLogin("open", "x"), PAM_AUTH_ERR);
 }
 
 TEST_F(PamTest, AuthenticationAsksOncePerCallForThePassword) {

@@ -303,7 +303,8 @@ TEST_F(ToolsTest, RebootAndShutdownRecordTheirKind) {
 
 TEST_F(ToolsTest, HaltGuestsStopsRunningGuests) {
     EXPECT_EQ(Tool({"haltGuests"}).status, 0);
-    for (const auto& guest : State()["guests"]) EXPECT_FALSE(guest["running"].get<bool>());
+    const json state = State();
+    for (const auto& guest : state["guests"]) EXPECT_FALSE(guest["running"].get<bool>());
     Change([](json& s) { s["guests"][1]["running"] = true; });
     EXPECT_EQ(Tool({"haltGuests", "--terminate"}).status, 0);
     EXPECT_FALSE(State()["guests"][1]["running"].get<bool>());
