@@ -1,9 +1,9 @@
 #include <syslog.h>
 
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -57,7 +57,16 @@ std::vector<std::string> Lines(const std::string& text) {
     return lines;
 }
 
-const std::string kStamp = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d)";
+// The line behind its "YYYY-MM-DDTHH:MM:SS " stamp, or a note that the stamp is wrong.
+std::string AfterStamp(const std::string& line) {
+    const std::string shape = "dddd-dd-ddTdd:dd:dd ";
+    if (line.size() < shape.size()) return "<no stamp> " + line;
+    for (size_t i = 0; i < shape.size(); ++i) {
+        bool ok = shape[i] == 'd' ? std::isdigit(static_cast<unsigned char>(line[i])) != 0 : line[i] == shape[i];
+        if (!ok) return "<bad stamp> " + line;
+    }
+    return line.substr(shape.size());
+}
 
 } // namespace
 
@@ -173,14 +182,9 @@ TEST(Platform, SyslogRecordsHonourFacilityMaskAndErrno) {
     auto lines = Lines(root.Read("/var/log/syslog.log"));
     ASSERT_EQ(lines.size(), 3u);
     const std::string pid = std::to_string(::getpid());
-    EXPECT_TRUE(std::regex_match(lines[0], std::regex(kStamp + " user\\.info LANYX\\[" + pid + "\\]: Starting LANYX")))
-        << lines[0];
-    EXPECT_TRUE(std::regex_match(lines[1], std::regex(kStamp + " auth\\.err LANYX\\[" + pid +
-                                                      "\\]: Authentication of user bob failed")))
-        << lines[1];
-    EXPECT_TRUE(std::regex_match(lines[2], std::regex(kStamp + " local3\\.warning LANYX\\[" + pid +
-                                                      "\\]: open: No such file or directory, 100% sure")))
-        << lines[2];
+    EXPECT_EQ(AfterStamp(lines[0]), "user.info LANYX[" + pid + "]: Starting LANYX");
+    EXPECT_EQ(AfterStamp(lines[1]), "auth.err LANYX[" + pid + "]: Authentication of user bob failed");
+    EXPECT_EQ(AfterStamp(lines[2]), "local3.warning LANYX[" + pid + "]: open: No such file or directory, 100% sure");
 }
 
 TEST(Platform, EventAndAuditRecords) {
@@ -193,16 +197,11 @@ TEST(Platform, EventAndAuditRecords) {
     ZephAudit_VLog("lanyx.login", "root", "lanyx", 1, nullptr);
     auto events = Lines(root.Read("/var/log/notad.log"));
     ASSERT_EQ(events.size(), 1u);
-    EXPECT_TRUE(std::regex_match(
-        events[0], std::regex(kStamp + R"( @&!\*@\*@\(nota\.user\.lanyx\.login\.failed\)Authentication of user bob failed)")))
-        << events[0];
+    EXPECT_EQ(AfterStamp(events[0]), "@&!*@*@(nota.user.lanyx.login.failed)Authentication of user bob failed");
     auto audit = Lines(root.Read("/var/log/audit.log"));
     ASSERT_EQ(audit.size(), 2u);
-    EXPECT_TRUE(std::regex_match(
-        audit[0], std::regex(kStamp + R"( action=lanyx\.login user=root service=lanyx success=0 reason="Invalid login")")))
-        << audit[0];
-    EXPECT_TRUE(std::regex_match(audit[1], std::regex(kStamp + " action=lanyx\\.login user=root service=lanyx success=1")))
-        << audit[1];
+    EXPECT_EQ(AfterStamp(audit[0]), "action=lanyx.login user=root service=lanyx success=0 reason=\"Invalid login\"");
+    EXPECT_EQ(AfterStamp(audit[1]), "action=lanyx.login user=root service=lanyx success=1");
 }
 
 TEST(Platform, LibraryHelpers) {
