@@ -98,7 +98,8 @@ void MakeToolScripts(const std::string& root, const std::string& programDir) {
               "#!/bin/sh\n"
               "PATH=" + root + "/bin:" + root + "/sbin:" + root + "/usr/bin:" + root + "/usr/sbin\n"
               "export PATH\n"
-              "exec /bin/sh \"$@\"\n",
+              // The host's shell knows `let`, which the agent's version line uses; dash does not.
+              "exec /bin/bash \"$@\"\n",
               0755);
     for (const char* utility : {"awk", "cat", "echo", "grep", "sed", "sleep", "test", "true", "false", "printf",
                                 "ls", "head", "tail", "tr", "cut", "wc", "["}) {

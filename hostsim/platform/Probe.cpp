@@ -30,6 +30,11 @@ bool FillNode(const nlohmann::json& state, ProbeNode node, void* record, size_t 
         std::memcpy(&buffer[PROBE_SYSTEM_VERSION_PRODUCT], name.data(), std::min<size_t>(name.size(), 31));
         std::memcpy(&buffer[PROBE_SYSTEM_VERSION_VERSION], version.data(), std::min<size_t>(version.size(), 31));
         uint32_t build = product.value("build", 0u);
+        // The kernel's own version text and the build as text, beside the binary build number.
+        const std::string kernel = product.value("kernelVersion", version);
+        const std::string buildText = std::to_string(build);
+        std::memcpy(&buffer[96], kernel.data(), std::min<size_t>(kernel.size(), 31));
+        std::memcpy(&buffer[128], buildText.data(), std::min<size_t>(buildText.size(), 31));
         std::memcpy(&buffer[PROBE_SYSTEM_VERSION_BUILD], &build, sizeof build);
         std::memcpy(record, buffer.data(), buffer.size());
         return true;
