@@ -55,12 +55,17 @@ TEST(HarnessConsole, CellsCarryColoursAttributesAndPalette)
     EXPECT_TRUE(dim.bg.IsIndex(0)) << dim;
     // The program redefined colour 6; the cell reports what the terminal shows.
     EXPECT_EQ(dim.fg.rgb, (Rgb{85, 85, 85})) << dim;
+    EXPECT_EQ(probe.Redefined(6), (Rgb{85, 85, 85}));
+    EXPECT_FALSE(probe.Redefined(5));
     const Cell rev = probe.CellAt(3, 0);
     EXPECT_TRUE(rev.reverse) << rev;
     EXPECT_FALSE(probe.CellAt(0, 0).reverse);
     EXPECT_EQ(probe.CellAt(0, 0).fg.kind, Color::Kind::Default);
     EXPECT_EQ(probe.Find("rev"), std::make_optional(std::make_pair(3, 0)));
     EXPECT_EQ(probe.Text(0, 6, 5), "ready");
+    // The full last row does not scroll the screen.
+    EXPECT_EQ(probe.CellAt(24, 0).text, "─");
+    EXPECT_EQ(probe.CellAt(24, 79).text, "─");
 }
 
 TEST(HarnessConsole, ExitStatusAndRestoredTerminal)

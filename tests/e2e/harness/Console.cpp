@@ -343,10 +343,52 @@ void Console::Resize(int rows, int cols)
     ioctl(master_, TIOCSWINSZ, &size);
 }
 
+// The emulator repeats one character too many for "CSI n b" (repeat the preceding character),
+// which curses uses for long runs such as box lines; such a run ending in the last column then
+// scrolls the whole screen. The harness expands the repeat itself.
 void Console::Feed(const char* bytes, size_t length)
 {
     transcript_.append(bytes, length);
-    vterm_input_write(vt_->vt, bytes, length);
+    std::string data = std::move(pendingEscape_);
+    pendingEscape_.clear();
+    data.append(bytes, length);
+    std::string out;
+    size_t i = 0;
+    while (i < data.size()) {
+        if (data[i] == '\x1b') {
+            size_t k = i + 1;
+            if (k < data.size() && data[k] == '[') {
+                ++k;
+                while (k < data.size() && data[k] >= '0' && data[k] <= '9')
+                    ++k;
+            }
+            if (k >= data.size() && data.size() - i < 32) {
+                pendingEscape_ = data.substr(i); // completed by the next read
+                break;
+            }
+            if (k < data.size() && k > i + 1 && data[k] == 'b') {
+                const std::string digits = data.substr(i + 2, k - i - 2);
+                const int count = digits.empty() ? 1 : std::atoi(digits.c_str());
+                // The character to repeat: the last one written, UTF-8 sequences whole.
+                const std::string written = lastWritten_ + out;
+                size_t start = written.size();
+                while (start > 0 && (static_cast<unsigned char>(written[start - 1]) & 0xC0) == 0x80)
+                    --start;
+                if (start > 0)
+                    --start;
+                const std::string character = written.substr(start);
+                for (int n = 0; n < count && n < 10000; ++n)
+                    out += character;
+                i = k + 1;
+                continue;
+            }
+        }
+        out += data[i++];
+    }
+    lastWritten_ += out;
+    if (lastWritten_.size() > 8)
+        lastWritten_.erase(0, lastWritten_.size() - 8);
+    vterm_input_write(vt_->vt, out.data(), out.size());
 }
 
 void Console::Pump(Duration wait)
@@ -533,6 +575,13 @@ std::optional<std::pair<int, int>> Console::Find(std::string_view text) const
                 col = column;
         return std::make_pair(r, col);
     }
+    return std::nullopt;
+}
+
+std::optional<Rgb> Console::Redefined(int index) const
+{
+    if (auto it = vt_->palette.find(index); it != vt_->palette.end())
+        return it->second;
     return std::nullopt;
 }
 

@@ -122,6 +122,8 @@ public:
     // The first position of `text` on the screen (row, column), if shown.
     std::optional<std::pair<int, int>> Find(std::string_view text) const;
 
+    // The colour the program gave palette entry `index`, if it redefined it.
+    std::optional<Rgb> Redefined(int index) const;
     bool CursorVisible() const { return cursorVisible_; }
     bool AltScreen() const { return altScreen_; }
     // Terminal modes of the pseudo-terminal as the program left them.
@@ -146,6 +148,8 @@ private:
     bool cursorVisible_ = true;
     bool altScreen_ = false;
     std::string transcript_;
+    std::string pendingEscape_; // an escape sequence cut by the end of a read
+    std::string lastWritten_;   // the tail of what went to the emulator
     std::string command_;
 };
 

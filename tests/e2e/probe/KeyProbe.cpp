@@ -41,6 +41,8 @@ int main(int argc, char** argv)
     attron(COLOR_PAIR(1));
     mvaddstr(2, 0, "dim");
     attroff(COLOR_PAIR(1));
+    // A full last row: curses draws long runs and the bottom-right cell with special sequences.
+    mvhline(LINES - 1, 0, ACS_HLINE, COLS);
     attron(A_REVERSE);
     mvaddstr(3, 0, "rev");
     attroff(A_REVERSE);
