@@ -19,6 +19,40 @@ struct SmartCardToken {
     std::vector<std::string> userIds;
 };
 
+// The firmware's description of the system board, in the order the firmware tables give it.
+struct BiosData {
+    std::string vendor;
+    std::string version;      // BIOS version text
+    std::string releaseDate;  // BIOS date text
+    std::string assetTag;
+    std::string systemVersion;
+    std::string boardSerial;
+    std::string chassisType;
+    int32_t releaseMajor = 0; // BIOS release
+    int32_t releaseMinor = 0;
+    int32_t firmwareMajor = 0; // embedded controller release
+    int32_t firmwareMinor = 0;
+    std::vector<std::string> oemStrings;
+};
+
+// One storage adapter and the kernel module that drives it.
+struct StorageAdapter {
+    std::string name;   // "storbus0", ...
+    std::string driver; // module name
+};
+
+class HardwareInfo : public virtual Lib::KeelsonObject {
+public:
+    virtual BiosData GetBiosData() const = 0;
+    // Version of the management controller.
+    virtual std::string GetVersionString() const = 0;
+};
+
+class StorageInfo : public virtual Lib::KeelsonObject {
+public:
+    virtual std::vector<StorageAdapter> GetAdapters() const = 0;
+};
+
 } // namespace Keelson::Hardware
 
 namespace TesselCtl::Hardware {
@@ -40,6 +74,8 @@ public:
     std::string GetVendorName() const;
     std::string GetProductName() const;
     std::string GetSerialNumber() const;
+    // The service tag the vendor gave the system; empty when it has none.
+    std::string GetServiceTag() const;
 };
 
 class CpuInfoImpl : public virtual Keelson::Lib::KeelsonObject {

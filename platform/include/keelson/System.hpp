@@ -1,8 +1,10 @@
 // Host control library: system information (welcome message, alerts, keyboard layouts).
 #pragma once
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "keelson/Hardware.hpp"
 #include "keelson/Lib.hpp"
 
 namespace TesselCtl::System {
@@ -22,3 +24,37 @@ public:
 };
 
 } // namespace TesselCtl::System
+
+namespace Keelson::System {
+
+// A loaded kernel module.
+struct ModuleInfo {
+    std::string name;
+    std::string version;
+};
+
+class SystemInfo : public virtual Lib::KeelsonObject {
+public:
+    // The module of that name; throws KeelsonException when no such module is loaded.
+    virtual ModuleInfo GetModule(const std::string& name) const = 0;
+};
+
+} // namespace Keelson::System
+
+namespace Keelson {
+
+// The host as a whole; each getter gives a new object that belongs to the caller.
+class Host : public virtual Lib::KeelsonObject {
+public:
+    virtual std::unique_ptr<Hardware::HardwareInfo> GetHardwareInfo() const = 0;
+    virtual std::unique_ptr<Hardware::StorageInfo> GetStorageInfo() const = 0;
+    virtual std::unique_ptr<System::SystemInfo> GetSystemInfo() const = 0;
+};
+
+class HostFactory {
+public:
+    // The local host; the object belongs to the caller.
+    static std::unique_ptr<Host> GetHost();
+};
+
+} // namespace Keelson
