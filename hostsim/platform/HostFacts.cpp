@@ -95,9 +95,10 @@ public:
 
 namespace Keelson {
 
-std::unique_ptr<Host> HostFactory::GetHost() {
+Host* HostFactory::GetHost() {
     HostSim::Platform::StateFor({"HostFactory::GetHost"});
-    return std::make_unique<SimHost>();
+    static SimHost host;
+    return &host;
 }
 
 } // namespace Keelson

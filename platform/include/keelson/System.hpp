@@ -53,8 +53,8 @@ public:
 
 class HostFactory {
 public:
-    // The local host; the object belongs to the caller.
-    static std::unique_ptr<Host> GetHost();
+    // The one host object; it is not the caller's.
+    static Host* GetHost();
 };
 
 } // namespace Keelson

@@ -1,0 +1,25 @@
+// What the welcome screen runs behind F2 and F12: the login, then the System Customization
+// menu or the shutdown dialog. These screens belong to other layers; until they are plugged
+// in here, F2 and F12 lead nowhere and nothing of a session happens.
+#pragma once
+#include <functional>
+#include <memory>
+
+#include "core/Frame.hpp"
+
+namespace Lanyx {
+
+struct SessionHooks {
+    // The login dialog for the current state of the console (open for login or closed), owned
+    // by `owner`; null when there is no login to run. A true modal run means a user logged in.
+    std::function<std::unique_ptr<Frame>(Frame* owner)> createLoginDialog;
+    // The System Customization menu of a session, run modally over `owner`.
+    std::function<void(Frame* owner)> runSystemCustomization;
+    // The shutdown dialog after a login by F12, run modally over `owner`.
+    std::function<void(Frame* owner)> runShutdown;
+};
+
+// The screens of the console as they are wired up in this build.
+SessionHooks DefaultSessionHooks();
+
+} // namespace Lanyx
