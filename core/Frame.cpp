@@ -7,6 +7,7 @@
 #include "core/Globals.hpp"
 #include "core/InputLoop.hpp"
 #include "core/Keys.hpp"
+#include "host/Log.hpp"
 
 namespace Lanyx {
 
@@ -122,6 +123,10 @@ int Frame::ReadKey(bool enforceIdleLimit)
         }
         if (result == InputTerminate)
             std::exit(0);
+        if (result == InputTerminalGone) {
+            Log(LOG_INFO, "Terminal closed, exiting");
+            std::exit(0);
+        }
         if (result < 0)
             continue;
 

@@ -97,12 +97,16 @@ int WaitForInput(const timeval* timeout)
     }
     if (ready == 0)
         return InputTimedOut;
+    // Without this the loop would spin for ever on a terminal that has gone away.
+    const bool hungUp = fds[0].revents & (POLLHUP | POLLERR | POLLNVAL);
     if (fds[0].revents & POLLIN) {
         wtimeout(stdscr, 0);
         const int key = wgetch(stdscr);
         wtimeout(stdscr, -1);
-        return key;
+        return key == ERR && hungUp ? InputTerminalGone : key;
     }
+    if (hungUp)
+        return InputTerminalGone;
     if (fds[1].revents & POLLIN) {
         unsigned char byte = 0;
         ssize_t got;

@@ -16,6 +16,7 @@ enum InputResult : int {
     InputExitRequest = -4,  // SIGUSR2
     InputResized = -5,      // SIGWINCH
     InputTerminate = -6,    // SIGINT, SIGQUIT, SIGTERM
+    InputTerminalGone = -7, // the keyboard's terminal hung up; no key can come any more
 };
 
 extern int signalPipe[2];

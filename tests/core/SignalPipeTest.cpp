@@ -107,5 +107,18 @@ TEST_F(SignalPipe, SignalsWaitInThePipeUntilRead)
     EXPECT_EQ(NextResult(), InputResized);
 }
 
+TEST_F(SignalPipe, HungUpKeyboardIsReportedNotSpunOn)
+{
+    int gone[2];
+    ASSERT_EQ(pipe(gone), 0);
+    close(gone[1]);
+    const int quiet = dup(0);
+    dup2(gone[0], 0);
+    close(gone[0]);
+    EXPECT_EQ(NextResult(), InputTerminalGone);
+    dup2(quiet, 0);
+    close(quiet);
+}
+
 } // namespace
 } // namespace Lanyx
