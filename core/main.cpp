@@ -1,7 +1,10 @@
 #include "core/Console.hpp"
 #include "core/KeyTestWindow.hpp"
+#include "core/StringFactory.hpp"
 
 int main(int argc, char** argv)
 {
+    // The catalogue lives in the text layer; every Frame asks for it through the core.
+    Lanyx::SetStringFactorySource(&Lanyx::GetStringFactory);
     return Lanyx::RunConsole(argc, argv, [] { return std::make_unique<Lanyx::KeyTestWindow>(); });
 }
