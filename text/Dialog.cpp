@@ -1,0 +1,44 @@
+#include "text/Dialog.hpp"
+
+namespace Lanyx {
+
+Dialog::Dialog(Frame* owner, int width, int height, int titleHeight)
+    : Frame(owner, (COLS - width) / 2, (LINES - height) / 2, width, height, 0, 7) {
+    if (handle) {
+        werase(handle.get());
+    }
+    const int bodyHeight = height - titleHeight;
+    titlePane = CreateChild(0, 0, width, titleHeight, 6, 7);
+    bodyPane = CreateChild(0, titleHeight, width, bodyHeight, 3, 7);
+    // The panes share the dialog's cells, so the frame line shows through both.
+    if (handle) {
+        box(handle.get(), 0, 0);
+    }
+    titleText = new TextArea(titlePane, 3, 1, width - 6, 1, 7);
+    messageText = new TextArea(titlePane, 3, 3, width - 6, titleHeight - 4, 2);
+    footerText = new TextArea(bodyPane, 2, bodyHeight - 2, width - 4, 1, 0);
+    if (bodyHeight - 4 >= 1) {
+        contentWindow = bodyPane->CreateChild(2, 1, width - 4, bodyHeight - 4, 3, 6);
+    }
+}
+
+void Dialog::SetActive(bool newActive) {
+    if (newActive && owner) {
+        owner->Update();
+    }
+    Frame::SetActive(newActive);
+}
+
+void Dialog::SetTitle(const std::string& text) {
+    titleText->SetText(text);
+}
+
+void Dialog::SetMessage(const std::string& text) {
+    messageText->SetText(text);
+}
+
+void Dialog::SetFooter(const std::string& text) {
+    footerText->SetText(text);
+}
+
+} // namespace Lanyx
