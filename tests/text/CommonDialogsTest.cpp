@@ -127,16 +127,5 @@ TEST(InfoTypeRow, FieldsAreCutToTheirColumns) {
     EXPECT_EQ(ShortenField("", 6, 3), "");
 }
 
-TEST(InfoTypeRow, DetailsFooterIsTheWaitFooterWithTwoBlanks) {
-    struct Row : InfoType {
-        std::string GetColumnHeader() override { return ""; }
-        std::string GetRow() override { return ""; }
-        std::string GetDetailsTitle() override { return ""; }
-        std::string GetDetailsHeading() override { return ""; }
-        std::string GetDetails() override { return ""; }
-    } row;
-    EXPECT_EQ(std::string(row.GetDetailsFooter()), std::string(kOkFooter) + "  ");
-}
-
 } // namespace
 } // namespace Lanyx

@@ -54,21 +54,6 @@ protected:
     std::vector<std::unique_ptr<Item>> owned;
 };
 
-TEST_F(ItemListTest, BuildsRowsTextsAndBarInsideItsParent) {
-    ItemList* list = MakeList(5);
-    EXPECT_EQ(list->GetBackground(), 3);
-    EXPECT_EQ(list->GetForeground(), 7);
-    EXPECT_EQ(list->GetRowCount(), 5);
-    EXPECT_EQ(list->GetRowsWindow()->GetWidth(), 29);
-    EXPECT_EQ(list->GetScrollBar()->GetX(), kListX + 29);
-    EXPECT_EQ(list->GetScrollBar()->GetHeight(), 5);
-    TextArea* text = list->GetRowText(4);
-    EXPECT_EQ(text->GetX(), kListX + 1);
-    EXPECT_EQ(text->GetY(), kListY + 4);
-    EXPECT_EQ(text->GetWidth(), 27);
-    EXPECT_EQ(text->GetHeight(), 1);
-}
-
 TEST_F(ItemListTest, DrawsEachItemInItsColoursAndTheSelectionWhiteOnBlack) {
     ItemList* list = MakeList(6);
     LabelItem* heading = Label("Heading", false);
