@@ -37,6 +37,15 @@ std::string FrameText(const Console& console, int row) { return Trimmed(console.
 bool IsDimmed(const Cell& cell) { return cell.fg.IsIndex(6) && cell.bg.IsIndex(0); }
 bool IsLit(const Cell& cell) { return cell.fg.IsIndex(7) && cell.bg.IsIndex(0); }
 
+// The console with the bare key test frame in place of the welcome screen, so that every key
+// code, the way into a session and the idle limit can be seen from outside.
+ConsoleOptions KeyTestOptions(const std::string& root, std::vector<std::string> args = {})
+{
+    ConsoleOptions options = LanyxOptions(root, std::move(args));
+    options.env.emplace_back("LANYX_KEY_TEST_FRAME", "1");
+    return options;
+}
+
 // A pid that belonged to a process that has ended.
 pid_t DeadPid()
 {
@@ -83,7 +92,7 @@ protected:
     std::unique_ptr<Console> Start(std::vector<std::string> args = {}, const std::string& faketime = "",
                                    const std::string& term = "xterm-256color")
     {
-        ConsoleOptions options = LanyxOptions(root.Path(), std::move(args));
+        ConsoleOptions options = KeyTestOptions(root.Path(), std::move(args));
         options.faketime = faketime;
         options.term = term;
         return std::make_unique<Console>(options);
@@ -213,7 +222,7 @@ TEST_F(Spine, EscapeRIsAResizeThatEndsTheProcess)
 
 TEST_F(Spine, EscapeRWithoutAKnownSizeEndsWithoutTheResizeLine)
 {
-    ConsoleOptions options = LanyxOptions(root.Path());
+    ConsoleOptions options = KeyTestOptions(root.Path());
     options.rows = 0;
     options.cols = 0;
     Console console(options);

@@ -1,0 +1,396 @@
+// What the operator sees on the welcome screen of simulated hosts of several kinds, and how the
+// screen follows the host: reload, repaint, colours, failures of the host library.
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+#include "harness/Console.hpp"
+#include "harness/HostRoot.hpp"
+
+using namespace LanyxE2E;
+
+namespace {
+
+// Rows of the default layout on a terminal of 25 lines (the top half has 12 of them).
+constexpr int kVersionRow = 5, kVendorRow = 7, kHardwareRow = 9, kManagementRow = 13;
+constexpr int kTextColumn = 8;
+// A terminal tall enough for the warning text (it needs 29 lines); its warning starts on row 24.
+constexpr int kTallRows = 30, kTallWarningRow = 24;
+
+std::string Trimmed(std::string text)
+{
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
+
+size_t Count(const std::string& text, const std::string& what)
+{
+    size_t count = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+        ++count;
+    return count;
+}
+
+class Welcome : public ::testing::Test {
+protected:
+    void Use(const std::string& profile) { root = std::make_unique<HostRoot>(profile); }
+
+    std::unique_ptr<Console> Start(int rows = 25, int cols = 80)
+    {
+        if (!root)
+            Use("default");
+        ConsoleOptions options = LanyxOptions(root->Path());
+        options.rows = rows;
+        options.cols = cols;
+        auto console = std::make_unique<Console>(options);
+        EXPECT_TRUE(WaitUntilDrawn(*console));
+        return console;
+    }
+
+    // The box's last corner comes with the refresh of the whole screen that ends every reload,
+    // so once it stands beside the expected text, the screen is complete.
+    ::testing::AssertionResult WaitUntilDrawn(Console& console)
+    {
+        return console.WaitFor(
+            [&] { return console.CellAt(console.Rows() - 1, console.Cols() - 1).text == "┘" && console.Find(ready); },
+            10s, "the screen drawn with \"" + ready + "\"");
+    }
+
+    // What a row of the default layout shows from the text column on.
+    static std::string At(const Console& console, int row, int col = kTextColumn)
+    {
+        return Trimmed(console.Text(row, col, console.Cols() - col - 1));
+    }
+
+    std::unique_ptr<HostRoot> root;
+    std::string ready = "To manage this host, go to:";
+};
+
+// ---------------------------------------------------------------- default layout
+
+TEST_F(Welcome, DefaultHostShowsIdentityHardwareAndAddresses)
+{
+    auto console = Start();
+    EXPECT_TRUE(At(*console, kVersionRow).starts_with("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ")) << console->Describe();
+    EXPECT_EQ(At(*console, kVendorRow), "Northwind Systems NX-2840 Rack Server");
+    EXPECT_EQ(At(*console, kHardwareRow), "2 x Tessellate(R) Core Gold 6430 @ 2.10GHz");
+    EXPECT_EQ(At(*console, kHardwareRow + 1), "127.7 GiB Memory");
+    EXPECT_EQ(At(*console, kManagementRow), "To manage this host, go to:");
+    EXPECT_EQ(At(*console, kManagementRow + 1), "https://lanyx-lab01/");
+    EXPECT_EQ(At(*console, kManagementRow + 2), "https://192.168.10.21/ (STATIC)");
+    EXPECT_EQ(At(*console, kManagementRow + 3), "https://[fe80::250:56ff:fe6a:1001]/");
+    EXPECT_EQ(At(*console, kManagementRow + 4), "");
+    // The footer: F2 on the left, F12 against the right edge of the text.
+    EXPECT_EQ(console->Text(23, 2, 31), "<F2> Customize System/View Logs");
+    EXPECT_EQ(console->Text(23, 55, 23), "<F12> Shut Down/Restart");
+    EXPECT_EQ(console->CellAt(23, 79).text, "│") << "the box around the screen";
+    EXPECT_FALSE(console->CursorVisible());
+}
+
+TEST_F(Welcome, ColoursOfTheTwoHalves)
+{
+    auto console = Start();
+    const Cell version = console->CellAt(kVersionRow, kTextColumn);
+    EXPECT_TRUE(version.fg.IsIndex(7) && version.bg.IsIndex(6)) << version;
+    const Cell management = console->CellAt(kManagementRow, kTextColumn);
+    EXPECT_TRUE(management.fg.IsIndex(0) && management.bg.IsIndex(3)) << management;
+    // Key names in the text's black, their meaning in dark grey.
+    const Cell key = console->CellAt(23, 2);
+    EXPECT_TRUE(key.fg.IsIndex(0) && key.bg.IsIndex(3)) << key;
+    const Cell meaning = console->CellAt(23, 7);
+    EXPECT_TRUE(meaning.fg.IsIndex(6) && meaning.bg.IsIndex(3)) << meaning;
+    // An odd number of lines gives the lower half the extra one.
+    EXPECT_TRUE(console->CellAt(11, 40).bg.IsIndex(6)) << console->CellAt(11, 40);
+    EXPECT_TRUE(console->CellAt(12, 40).bg.IsIndex(3)) << console->CellAt(12, 40);
+}
+
+TEST_F(Welcome, DhcpHostNamesItsMode)
+{
+    Use("dhcp");
+    auto console = Start(kTallRows);
+    EXPECT_TRUE(console->WaitForText("https://192.168.10.57/ (DHCP)"));
+    EXPECT_FALSE(console->Find("Warning"));
+}
+
+TEST_F(Welcome, DhcpWithoutServerWaitsAndWarns)
+{
+    Use("dhcp-no-server");
+    auto console = Start(kTallRows);
+    EXPECT_TRUE(console->WaitForText("https://0.0.0.0/ (Waiting for DHCP...)"));
+    const auto warning = console->Find("Warning: DHCP lookup failed.");
+    ASSERT_TRUE(warning) << console->Describe();
+    EXPECT_EQ(*warning, std::make_pair(kTallWarningRow, 16));
+    // Wrapped in the text's 48 cells.
+    EXPECT_TRUE(At(*console, kTallWarningRow, 16).size() <= 48u);
+    EXPECT_EQ(At(*console, kTallWarningRow, 16), "Warning: DHCP lookup failed. You may be unable");
+    EXPECT_EQ(At(*console, kTallWarningRow + 1, 16), "to access this system until you customize its");
+    const Cell cell = console->CellAt(kTallWarningRow, 16);
+    EXPECT_TRUE(cell.fg.IsIndex(6) && cell.bg.IsIndex(3)) << cell;
+}
+
+TEST_F(Welcome, WarningNeedsATallEnoughTerminal)
+{
+    Use("dhcp-no-server");
+    auto console = Start(28);
+    EXPECT_TRUE(console->WaitForText("(Waiting for DHCP...)"));
+    EXPECT_FALSE(console->Find("Warning")) << console->Describe();
+    EXPECT_TRUE(console->Find("<F2> Customize System/View Logs"));
+}
+
+TEST_F(Welcome, AuditModeWarns)
+{
+    Use("audit-mode");
+    auto console = Start(kTallRows);
+    EXPECT_TRUE(console->WaitForText("Warning: Host is running in audit mode."));
+    EXPECT_TRUE(console->Find("https://192.168.10.21/ (STATIC)"));
+}
+
+TEST_F(Welcome, HostWithoutAdaptersSaysSoAndAlertsOnce)
+{
+    Use("no-nics");
+    ready = "No compatible network adapter found. Please consult the";
+    auto console = Start();
+    EXPECT_FALSE(console->Find("https://"));
+    EXPECT_TRUE(console->Find("Hardware Compatibility Guide (HCG)"));
+    // Reloads by signal and by key do not raise the alert again.
+    console->Signal(SIGUSR1);
+    console->Send("x");
+    console->Signal(SIGUSR1);
+    ASSERT_TRUE(console->WaitFor([&] { return Count(root->State(), "No compatible network adapter found.") >= 1; }));
+    console->Send(Keys::F(4));
+    console->Signal(SIGTERM);
+    ASSERT_TRUE(console->ExitsWith(0));
+    EXPECT_EQ(Count(root->State(), "No compatible network adapter found."), 1u) << root->State();
+}
+
+TEST_F(Welcome, Ipv6AddressesShortestFirstAndCutToTheText)
+{
+    Use("ipv6");
+    auto console = Start();
+    EXPECT_EQ(At(*console, kManagementRow + 3), "https://[2001:db8:10::21]/ (STATIC)");
+    EXPECT_EQ(At(*console, kManagementRow + 4), "https://[2001:db8:10::1:9c]/ (DHCP)");
+    EXPECT_EQ(At(*console, kManagementRow + 5), "https://[fe80::250:56ff:fe6a:1001]/");
+    EXPECT_EQ(At(*console, kManagementRow + 6), "https://[2001:db8:10:0:250:56ff:fe6a:1001]/ (AUTOCONF)");
+    // Of six addresses four are taken; the "..." behind them falls below the text's seven lines.
+    EXPECT_FALSE(console->Find("fd00:10::21"));
+    EXPECT_FALSE(console->Find("..."));
+    EXPECT_TRUE(console->Find("<F2> Customize System/View Logs"));
+}
+
+TEST_F(Welcome, Ipv6SwitchedOffShowsNoIpv6Lines)
+{
+    Use("ipv6");
+    root->Set("ipv6-enabled", "false");
+    auto console = Start();
+    EXPECT_EQ(At(*console, kManagementRow + 2), "https://192.168.10.21/ (STATIC)");
+    EXPECT_FALSE(console->Find("https://["));
+}
+
+// ---------------------------------------------------------------- custom layout
+
+TEST_F(Welcome, CustomMessageWithItsSubstitutions)
+{
+    Use("custom-welcome");
+    ready = "Zephora Ostra 8.0.3 build-24280767";
+    auto console = Start();
+    // Centred in the text of 76 cells that starts in column 2.
+    EXPECT_EQ(console->Find(ready), std::make_optional(std::make_pair(2, 2 + (76 - 34) / 2)));
+    EXPECT_EQ(At(*console, 4, 2), "Host lanyx-lab01.lab.example.test (192.168.10.21)");
+    EXPECT_EQ(At(*console, 5, 2), "Memory: 127.7 GB  Serial: NWS7Q4K2B19  Service tag: 7Q4K2B1");
+    EXPECT_EQ(At(*console, 6, 2), "BIOS: 2.14.1 (2.14) 03/11/2026  Asset tag: LAB-0042");
+    EXPECT_EQ(At(*console, 8, 2), "Authorized use only.");
+    // No default footer, no hardware lines; the box stays.
+    EXPECT_FALSE(console->Find("To manage this host"));
+    EXPECT_FALSE(console->Find("Customize System/View Logs"));
+    EXPECT_FALSE(console->Find("GiB Memory"));
+    EXPECT_EQ(console->CellAt(0, 0).text, "┌");
+    EXPECT_TRUE(console->CellAt(4, 2).bg.IsIndex(0)) << console->CellAt(4, 2);
+}
+
+TEST_F(Welcome, CustomMessageWithThumbprintsAndFingerprints)
+{
+    root = std::make_unique<HostRoot>("default");
+    root->Set("welcome-message", "SHA1 {ssl-thumbprint-sha-1}\nRSA {ssh-rsa-fingerprint}\nEnd");
+    ready = "End";
+    auto console = Start();
+    const std::string sha1 = At(*console, 2, 2);
+    EXPECT_EQ(sha1.size(), 5u + 59u) << sha1;
+    EXPECT_EQ(Count(sha1, ":"), 19u) << sha1;
+    EXPECT_TRUE(At(*console, 3, 2).starts_with("RSA SHA256:")) << console->Describe();
+    EXPECT_TRUE(root->Matching(Record::Syslog, "SSL thumbprint").empty());
+}
+
+// ---------------------------------------------------------------- following the host
+
+TEST_F(Welcome, ReloadSignalShowsHostChanges)
+{
+    auto console = Start();
+    root->Set("hostname", "renamed-host");
+    console->Signal(SIGUSR1);
+    EXPECT_TRUE(console->WaitForText("https://renamed-host/"));
+    // The welcome message comes and goes with the next reload.
+    root->Set("welcome-message", "Maintenance window until Friday");
+    console->Signal(SIGUSR1);
+    ASSERT_TRUE(console->WaitForText("Maintenance window until Friday"));
+    EXPECT_TRUE(console->WaitForTextGone("To manage this host"));
+    EXPECT_EQ(console->Find("Maintenance window until Friday"), std::make_optional(std::make_pair(2, 2)));
+    root->Set("welcome-message", "");
+    console->Signal(SIGUSR1);
+    ASSERT_TRUE(console->WaitForText("To manage this host, go to:"));
+    EXPECT_TRUE(console->WaitForTextGone("Maintenance window"));
+    EXPECT_TRUE(console->WaitForText("127.7 GiB Memory"));
+    EXPECT_TRUE(console->Running());
+}
+
+TEST_F(Welcome, AnyOtherKeyRepaintsWithFreshFacts)
+{
+    auto console = Start();
+    root->Set("hostname", "localhost");
+    // A key typed while the screen is being drawn may be dropped; the next one is not.
+    ASSERT_TRUE(console->WaitFor(
+        [&] {
+            console->Send("x");
+            console->Pump(200ms);
+            return At(*console, kManagementRow + 1) == "https://192.168.10.21/ (STATIC)";
+        },
+        10s, "a repaint without the host name line"));
+    EXPECT_TRUE(console->Running());
+}
+
+// Every reload ends with a change of activation, which drops keys typed meanwhile; a toggle is
+// sent again only when a whole second passed without its effect.
+::testing::AssertionResult ToggleUntil(Console& console, const std::function<bool()>& shown)
+{
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        console.Send(Keys::F(4));
+        if (console.WaitFor(shown, 1s, "toggled"))
+            return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << "F4 had no effect\n" << console.Describe();
+}
+
+TEST_F(Welcome, F4TogglesMonochrome)
+{
+    auto console = Start();
+    const auto versionCell = [&] { return console->CellAt(kVersionRow, kTextColumn); };
+    ASSERT_FALSE(versionCell().reverse) << versionCell();
+    ASSERT_TRUE(ToggleUntil(*console, [&] { return versionCell().reverse; }));
+    EXPECT_EQ(versionCell().bg.kind, Color::Kind::Default) << versionCell();
+    EXPECT_FALSE(console->CellAt(kManagementRow, kTextColumn).reverse) << "amber has no standout";
+    ASSERT_TRUE(ToggleUntil(*console, [&] { return !versionCell().reverse; }));
+    EXPECT_TRUE(console->WaitFor([&] { return versionCell().bg.IsIndex(6); }, 10s, "colours back")) << versionCell();
+}
+
+TEST_F(Welcome, F4WithoutColourChangeIsAPlainRepaint)
+{
+    auto console = [&] {
+        Use("default");
+        ConsoleOptions options = LanyxOptions(root->Path());
+        options.term = "linux"; // not a virtual terminal here: the console falls back to vt102
+        return std::make_unique<Console>(options);
+    }();
+    ASSERT_TRUE(WaitUntilDrawn(*console));
+    ASSERT_TRUE(console->CellAt(kVersionRow, kTextColumn).reverse);
+    console->Send(Keys::F(4));
+    // A toggle would leave the upper half without standout for good; a repaint brings it back.
+    EXPECT_TRUE(console->WaitFor(
+        [&] {
+            return console->CellAt(kVersionRow, kTextColumn).reverse &&
+                   console->CellAt(console->Rows() - 1, console->Cols() - 1).text == "┘";
+        },
+        10s, "the screen repainted, still monochrome"));
+    EXPECT_TRUE(console->Running());
+}
+
+TEST_F(Welcome, LoginKeysLeaveTheScreenRunning)
+{
+    auto console = Start();
+    console->Send(Keys::F(2));
+    console->Send(Keys::F(12));
+    console->Pump(300ms);
+    EXPECT_TRUE(console->Find("To manage this host, go to:"));
+    EXPECT_TRUE(console->Running());
+    console->Signal(SIGUSR2);
+    EXPECT_TRUE(console->ExitsWith(0));
+}
+
+TEST_F(Welcome, LibraryFailureLeavesTheAddressesEmpty)
+{
+    Use("default");
+    root->Fault({"lib", "DnsConfigImpl::GetHostname", "name service down"});
+    // The host name is asked before the texts of the upper half are made, so only the footer
+    // stands after the first filling.
+    ready = "<F2> Customize System/View Logs";
+    auto console = Start();
+    EXPECT_FALSE(console->Find("To manage this host"));
+    EXPECT_FALSE(console->Find("Northwind"));
+    EXPECT_TRUE(console->Running());
+    // Once the host answers again, a reload brings everything.
+    root->Fault({"clear"});
+    console->Signal(SIGUSR1);
+    EXPECT_TRUE(console->WaitForText("https://lanyx-lab01/"));
+    EXPECT_TRUE(console->WaitForText("Northwind Systems NX-2840 Rack Server"));
+    // A failure on a screen that has its texts empties only the addresses.
+    root->Fault({"lib", "DnsConfigImpl::GetHostname", "name service down"});
+    console->Signal(SIGUSR1);
+    EXPECT_TRUE(console->WaitForTextGone("To manage this host"));
+    EXPECT_TRUE(console->Find("Northwind Systems NX-2840 Rack Server"));
+    EXPECT_TRUE(root->Matching(Record::Syslog, "name service down").empty()) << "nothing is logged";
+}
+
+TEST_F(Welcome, UnreadableWelcomeMessageEndsTheProgram)
+{
+    Use("default");
+    root->Fault({"lib", "SystemInfoImpl::GetWelcomeMessage", "message store gone"});
+    ConsoleOptions options = LanyxOptions(root->Path());
+    Console console(options);
+    ASSERT_TRUE(console.ExitsWith(0));
+    EXPECT_TRUE(root->WaitForLine(Record::Syslog, "LANYX aborted by exception: message store gone"));
+}
+
+// ---------------------------------------------------------------- the input loop under the welcome screen
+
+TEST_F(Welcome, ScreenDimsAfterAMinuteAndAKeyLightsIt)
+{
+    Use("default");
+    ConsoleOptions options = LanyxOptions(root->Path());
+    options.faketime = "+0 x100";
+    Console console(options);
+    ASSERT_TRUE(WaitUntilDrawn(console));
+    const auto cell = [&] { return console.CellAt(kVersionRow, kTextColumn); };
+    ASSERT_TRUE(console.WaitFor([&] { return cell().fg.IsIndex(6) && cell().bg.IsIndex(0); }, 10s, "dimmed"));
+    // Dimming drops keys typed while it happens, so keys are sent until one lights the screen.
+    ASSERT_TRUE(console.WaitFor(
+        [&] {
+            console.Send("x");
+            console.Pump(200ms);
+            return cell().bg.IsIndex(6);
+        },
+        10s, "lit again"));
+    EXPECT_TRUE(cell().fg.IsIndex(7)) << cell();
+    // The welcome screen has no idle limit: it only dims again.
+    ASSERT_TRUE(console.WaitFor([&] { return cell().bg.IsIndex(0); }, 10s, "dimmed again"));
+    EXPECT_TRUE(console.Running());
+}
+
+TEST_F(Welcome, ExitPathsEndWithStatusZero)
+{
+    for (int sig : {SIGUSR2, SIGTERM, SIGINT, SIGQUIT}) {
+        SCOPED_TRACE(sigabbrev_np(sig));
+        auto console = Start();
+        console->Signal(sig);
+        ASSERT_TRUE(console->ExitsWith(0));
+        EXPECT_FALSE(console->AltScreen());
+    }
+    auto console = Start();
+    console->Resize(30, 100);
+    ASSERT_TRUE(console->ExitsWith(0));
+    EXPECT_TRUE(root->WaitForLine(Record::Syslog, "Resized window to 100x30"));
+}
+
+} // namespace
