@@ -55,7 +55,13 @@ void Fabric(json& state) {
                                   {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
                                  {{"id", "13"}, {"name", "vmotion-port-13"}, {"portGroup", "dvportgroup-22"},
                                   {"vlan", 20}, {"hostLocal", false}, {"blocked", false},
-                                  {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}}})}}});
+                                  {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
+                                 // The uplink ports: the fabric restore lists the uplinks by them.
+                                 {{"id", "100"}, {"name", "uplink1"}, {"portGroup", "dvportgroup-uplinks"},
+                                  {"vlan", 0}, {"hostLocal", false}, {"blocked", false}, {"properties", json::object()}},
+                                 {{"id", "101"}, {"name", "uplink2"}, {"portGroup", "dvportgroup-uplinks"},
+                                  {"vlan", 0}, {"hostLocal", false}, {"blocked", false},
+                                  {"properties", json::object()}}})}}});
 }
 
 void NoNics(json& state) {
@@ -79,6 +85,7 @@ void Ipv6(json& state) {
         {{"address", "fd00:10::21"}, {"prefixLength", 64}, {"type", "static"}},
         {{"address", "2001:db8:ffff:1234:5678:9abc:def0:21"}, {"prefixLength", 64}, {"type", "static"}}});
     state["network"]["ipv6Gateway"] = "2001:db8:10::1";
+    state["network"]["dns"]["servers"].push_back("2001:db8:10::53");
     state["ping"]["reachable"].push_back("2001:db8:10::1");
 }
 

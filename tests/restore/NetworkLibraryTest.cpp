@@ -154,6 +154,9 @@ TEST_F(NetworkLibrary, FabricPortCreationCloneAndDestroy)
     std::unique_ptr<KN::FabricPort> old(fabric->GetFabricPort("12"));
     ASSERT_TRUE(old);
     EXPECT_FALSE(fabric->GetFabricPort("999"));
+    std::unique_ptr<KN::FabricPort> uplink(fabric->GetFabricPort(fabric->GetUplinkPorts().at("hwport2").portId));
+    ASSERT_TRUE(uplink) << "the uplinks' own ports exist";
+    EXPECT_EQ(uplink->GetName(), "uplink1");
 
     const KN::FabricPortParam param{old->GetFabricId(), "hlp-12#42", 1};
     std::unique_ptr<KN::FabricPort> port(TN::FabricPortImpl::CreateFabricPort(param, "hlp-12#42"));
@@ -168,7 +171,7 @@ TEST_F(NetworkLibrary, FabricPortCreationCloneAndDestroy)
     EXPECT_THROW(TN::FabricPortImpl::CreateFabricPort(param, "hlp-12#42"), Keelson::Lib::KeelsonException);
 
     port->Destroy();
-    EXPECT_EQ(State()["fabrics"][0]["ports"].size(), 2u);
+    EXPECT_EQ(State()["fabrics"][0]["ports"].size(), 4u);
 }
 
 TEST_F(NetworkLibrary, DnsChangesAreLiveAndSavedApart)
