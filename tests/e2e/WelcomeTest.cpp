@@ -6,6 +6,8 @@
 
 #include <csignal>
 
+#include <termios.h>
+
 #include <gtest/gtest.h>
 
 #include "harness/Console.hpp"
@@ -341,6 +343,19 @@ TEST_F(Welcome, LibraryFailureLeavesTheAddressesEmpty)
     EXPECT_TRUE(console->WaitForTextGone("To manage this host"));
     EXPECT_TRUE(console->Find("Northwind Systems NX-2840 Rack Server"));
     EXPECT_TRUE(root->Matching(Record::Syslog, "name service down").empty()) << "nothing is logged";
+}
+
+TEST_F(Welcome, DamagedStateEndsThroughTheTopLevelHandler)
+{
+    Use("default");
+    root->WriteFile("/var/lib/hostsim/state.json", "{ this is not json");
+    Console console(LanyxOptions(root->Path()));
+    ASSERT_TRUE(console.ExitsWith(0));
+    EXPECT_TRUE(root->WaitForLine(Record::Syslog, "Starting LANYX"));
+    const auto aborted = root->Matching(Record::Syslog, "LANYX aborted by exception: ");
+    ASSERT_EQ(aborted.size(), 1u);
+    EXPECT_NE(aborted[0].find("state.json"), std::string::npos) << "the text names the file: " << aborted[0];
+    EXPECT_TRUE(console.Modes().c_lflag & ICANON) << "terminal modes restored";
 }
 
 TEST_F(Welcome, UnreadableWelcomeMessageEndsTheProgram)

@@ -349,6 +349,19 @@ TEST_F(WelcomeWindowTest, ShutdownAfterF12RunsOutsideASession)
     EXPECT_TRUE(Matching(syslogPath, "logged out").empty());
 }
 
+// An exit request that arrived during a session, or while a login was open, ends the process
+// once the round is over.
+TEST_F(WelcomeWindowTest, ExitRequestEndsTheProcessAfterTheRound)
+{
+    WelcomeWindow window(Hooks("root", [] { exitPending = true; }));
+    window.Reload();
+    EXPECT_EXIT(window.HandleKey(Keys::F2), ::testing::ExitedWithCode(0), "");
+    WelcomeWindow cancelled(Hooks(nullptr));
+    cancelled.Reload();
+    exitPending = true;
+    EXPECT_EXIT(cancelled.HandleKey(Keys::F12), ::testing::ExitedWithCode(0), "");
+}
+
 TEST_F(WelcomeWindowTest, WithoutALoginScreenF2DoesNothing)
 {
     WelcomeWindow window;
