@@ -134,20 +134,6 @@ TEST_F(WelcomeWindowTest, DefaultLayoutShowsTheHost)
     EXPECT_EQ(window.GetCustomText(), nullptr);
 }
 
-TEST_F(WelcomeWindowTest, PanesSplitTheScreenWithTheOddLineBelow)
-{
-    WelcomeWindow window;
-    window.Reload();
-    const auto& panes = window.GetChildren();
-    ASSERT_EQ(panes.size(), 2u);
-    EXPECT_EQ(panes[0]->GetHeight(), 15);
-    EXPECT_EQ(panes[0]->GetBackground(), 6);
-    EXPECT_EQ(panes[1]->GetY(), 15);
-    EXPECT_EQ(panes[1]->GetHeight(), 16);
-    EXPECT_EQ(panes[1]->GetBackground(), 3);
-    EXPECT_EQ(window.GetFooterText()->GetY(), 29);
-}
-
 TEST_F(WelcomeWindowTest, SingleCpuPackageShowsNoCount)
 {
     ResetState([](json& state) { state["hardware"]["cpu"]["packages"] = 1; });
@@ -268,16 +254,6 @@ TEST_F(WelcomeWindowTest, ReloadKeepsADimmedScreenDimmed)
     window.Reload();
     EXPECT_FALSE(window.IsActive());
     EXPECT_FALSE(window.GetManagementText()->IsActive());
-}
-
-TEST_F(WelcomeWindowTest, OtherKeysRepaintAndReload)
-{
-    WelcomeWindow window(Hooks("root"));
-    window.Reload();
-    WelcomeTest::ChangeState([](json& state) { state["host"]["hostname"] = "renamed"; });
-    window.HandleKey('x');
-    EXPECT_NE(window.GetManagementText()->GetText().find("https://renamed/ "), std::string::npos);
-    EXPECT_EQ(calls.logins, 0);
 }
 
 TEST_F(WelcomeWindowTest, SessionAfterF2EndsWithTheLogoutRecords)
