@@ -1,6 +1,7 @@
 // `hostsim fault`: failures injected into the library and the tools.
 #include <algorithm>
 
+#include "platform/NetworkFaultNames.hpp"
 #include "cli/Commands.hpp"
 #include "store/StateStore.hpp"
 
@@ -56,8 +57,20 @@ const std::vector<std::string>& FaultOperations() {
         "SystemInfoImpl::SetSystemAlert",
         "TesselCtl_Exec",
         "UserAdvancedOptionImpl::HasUserOption",
+        "HostFactory::GetHost",
+        "HardwareInfo::GetBiosData",
+        "HardwareInfo::GetVersionString",
+        "StorageInfo::GetAdapters",
+        "SystemInfo::GetModule",
+        "HardwareInfoImpl::GetServiceTag",
     };
-    return operations;
+    static const std::vector<std::string> all = [] {
+        std::vector<std::string> names = operations;
+        const auto& network = HostSim::Platform::NetworkFaultOperations();
+        names.insert(names.end(), network.begin(), network.end());
+        return names;
+    }();
+    return all;
 }
 
 const std::vector<std::string>& FaultTools() {
