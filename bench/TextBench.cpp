@@ -88,7 +88,7 @@ struct ListFixture {
             const bool heading = i % 10 == 0;
             owned.push_back(std::make_unique<LabelItem>(
                 heading ? "{color:white}Group " + std::to_string(i / 10) + "{/color}"
-                        : "  vmnic" + std::to_string(i) + "{align:right}Connected{/align}",
+                        : "  hwport" + std::to_string(i) + "{align:right}Connected{/align}",
                 !heading));
             items.push_back(owned.back().get());
         }

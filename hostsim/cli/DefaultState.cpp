@@ -49,9 +49,9 @@ nlohmann::json DefaultState() {
         {"storageAdapters", json::array({{{"name", "storbus0"}, {"driver", "nvme_pcie"}, {"driverVersion", "1.2.4.11-1vmw"}},
                                          {{"name", "storbus1"}, {"driver", "ahci_sata"}, {"driverVersion", "2.0.15"}}})}};
     state["network"] = {
-        {"managementInterface", "vmk0"},
+        {"managementInterface", "tnic0"},
         {"interfaces",
-         json::array({{{"name", "vmk0"},
+         json::array({{{"name", "tnic0"},
                        {"mac", "00:50:56:6a:10:01"},
                        {"enabled", true},
                        {"mtu", 1500},
@@ -77,15 +77,15 @@ nlohmann::json DefaultState() {
          {"mac", "b0:26:28:4e:00:a2"}, {"link", false}, {"speedMbps", 0}, {"driver", "ntg3"}},
         {{"name", "hwport3"}, {"pciLabel", nullptr},
          {"mac", "b0:26:28:4e:00:a3"}, {"link", true}, {"speedMbps", 1000}, {"driver", "ntg3"}}});
-    state["switches"] = json::array({{{"name", "vSwitch0"},
+    state["switches"] = json::array({{{"name", "switch0"},
                                       {"uplinks", {"hwport0", "hwport1"}},
                                       {"portGroups", {"Management Network", "VM Network"}},
                                       {"numPorts", 2560}, {"usedPorts", 6}, {"configuredPorts", 128}, {"mtu", 1500},
                                       {"teaming", Teaming({"hwport0", "hwport1"}, 2)}}});
     state["portGroups"] = json::array({
-        {{"name", "Management Network"}, {"switch", "vSwitch0"}, {"vlan", 0}, {"activeClients", 1},
+        {{"name", "Management Network"}, {"switch", "switch0"}, {"vlan", 0}, {"activeClients", 1},
          {"teaming", Teaming({"hwport0", "hwport1"}, 1)}},
-        {{"name", "VM Network"}, {"switch", "vSwitch0"}, {"vlan", 0}, {"activeClients", 2},
+        {{"name", "VM Network"}, {"switch", "switch0"}, {"vlan", 0}, {"activeClients", 2},
          {"teaming", Teaming({"hwport0", "hwport1"}, 2)}}});
     state["fabrics"] = json::array();
     state["advancedOptions"] = {

@@ -50,25 +50,25 @@ void Fabric(json& state) {
           {"lanyxOwned", true},
           {"uplinks", {{"hwport2", {{"portId", "100"}, {"portKey", "uplink1"}}},
                        {"hwport3", {{"portId", "101"}, {"portKey", "uplink2"}}}}},
-          {"ports", json::array({{{"id", "12"}, {"name", "mgmt-port-12"}, {"portGroup", "dvportgroup-21"},
+          {"ports", json::array({{{"id", "12"}, {"name", "mgmt-port-12"}, {"portGroup", "fportgroup-21"},
                                   {"vlan", 10}, {"hostLocal", false}, {"blocked", false},
                                   {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
-                                 {{"id", "13"}, {"name", "vmotion-port-13"}, {"portGroup", "dvportgroup-22"},
+                                 {{"id", "13"}, {"name", "vmotion-port-13"}, {"portGroup", "fportgroup-22"},
                                   {"vlan", 20}, {"hostLocal", false}, {"blocked", false},
                                   {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
                                  // The uplink ports: the fabric restore lists the uplinks by them.
-                                 {{"id", "100"}, {"name", "uplink1"}, {"portGroup", "dvportgroup-uplinks"},
+                                 {{"id", "100"}, {"name", "uplink1"}, {"portGroup", "fportgroup-uplinks"},
                                   {"vlan", 0}, {"hostLocal", false}, {"blocked", false}, {"properties", json::object()}},
-                                 {{"id", "101"}, {"name", "uplink2"}, {"portGroup", "dvportgroup-uplinks"},
+                                 {{"id", "101"}, {"name", "uplink2"}, {"portGroup", "fportgroup-uplinks"},
                                   {"vlan", 0}, {"hostLocal", false}, {"blocked", false},
                                   {"properties", json::object()}}})}}});
 }
 
 void NoNics(json& state) {
     state["pnics"] = json::array();
-    for (json& vswitch : state["switches"]) {
-        vswitch["uplinks"] = json::array();
-        vswitch["teaming"]["uplinkOrder"] = json::array();
+    for (json& standardSwitch : state["switches"]) {
+        standardSwitch["uplinks"] = json::array();
+        standardSwitch["teaming"]["uplinkOrder"] = json::array();
     }
     for (json& group : state["portGroups"]) group["teaming"]["uplinkOrder"] = json::array();
 }

@@ -70,7 +70,7 @@ std::vector<std::pair<std::string, std::string>> LogFiles(const nlohmann::json& 
     files.emplace_back("/var/log/sysboot.log",
                        "2026-11-23T07:59:50Z sysboot: Loading configuration from /bootbank/state.tgz\n"
                        "2026-11-23T07:59:52Z sysboot: Hostname set to " + host + "\n"
-                       "2026-11-23T07:59:53Z sysboot: vmk0 configured with " + address + "\n"
+                       "2026-11-23T07:59:53Z sysboot: tnic0 configured with " + address + "\n"
                        "2026-11-23T07:59:55Z sysboot: All services started\n");
     files.emplace_back("/var/log/helmd.log",
                        "2026-11-23T08:00:10.001Z info helmd[2105] Host agent started, version 8.0.3\n"

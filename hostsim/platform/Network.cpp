@@ -915,15 +915,15 @@ void NetworkInfoImpl::AutoConfigNetwork() {
         teaming["uplinkOrder"] = {uplink};
         teaming["maxActiveUplinks"] = 1;
         Array(state, "switches")
-            .push_back({{"name", "vSwitch0"}, {"uplinks", {uplink}}, {"portGroups", {"Management Network"}},
+            .push_back({{"name", "switch0"}, {"uplinks", {uplink}}, {"portGroups", {"Management Network"}},
                         {"numPorts", KN::Portset::DEF_NUM_PORTS}, {"usedPorts", 2},
                         {"configuredPorts", KN::Portset::DEF_NUM_PORTS}, {"mtu", 1500}, {"teaming", teaming}});
         Array(state, "portGroups")
-            .push_back({{"name", "Management Network"}, {"switch", "vSwitch0"}, {"vlan", 0}, {"activeClients", 1},
+            .push_back({{"name", "Management Network"}, {"switch", "switch0"}, {"vlan", 0}, {"activeClients", 1},
                         {"teaming", teaming}});
         json& network = Object(state, "network");
         Array(network, "interfaces")
-            .push_back({{"name", "vmk0"},
+            .push_back({{"name", "tnic0"},
                         {"mac", Text(pnics[0], "mac")},
                         {"enabled", true},
                         {"mtu", 1500},
@@ -933,7 +933,7 @@ void NetworkInfoImpl::AutoConfigNetwork() {
                           {"configuredAddress", "0.0.0.0"}, {"configuredNetmask", "0.0.0.0"},
                           {"dhcpServer", "0.0.0.0"}, {"dhcpBound", false}}},
                         {"ipv6", {{"dhcp", false}, {"autoconf", true}, {"addresses", json::array()}}}});
-        network["managementInterface"] = "vmk0";
+        network["managementInterface"] = "tnic0";
         Object(network, "dns")["dhcp"] = true;
     });
 }

@@ -205,34 +205,34 @@ TEST_F(HostToolsTest, AgentStartFollowsOnlyAStopThatWorked)
 TEST_F(HostToolsTest, CfgMoveLogsTheCommandAndBothStreams)
 {
     LogMark mark;
-    EXPECT_TRUE(GridmeshCfgMove("dvport-7", "vmk1"));
-    EXPECT_EQ(Calls("xbar"), "-m -p dvport-7 -I vmk1\n");
+    EXPECT_TRUE(GridmeshCfgMove("fport-7", "tnic1"));
+    EXPECT_EQ(Calls("xbar"), "-m -p fport-7 -I tnic1\n");
     EXPECT_THAT(mark.Lines(),
-                ElementsAre("user.info Command \"gridmeshcfg-xbar -m -p dvport-7 -I vmk1\" succeeded"));
+                ElementsAre("user.info Command \"gridmeshcfg-xbar -m -p fport-7 -I tnic1\" succeeded"));
 
     WriteFile("/tmp/xbar.exit", "2");
     mark = LogMark();
-    EXPECT_FALSE(GridmeshCfgMove("dvport-7", "vmk1"));
-    EXPECT_THAT(mark.Lines(), ElementsAre("user.err Command \"gridmeshcfg-xbar -m -p dvport-7 -I vmk1\" "
+    EXPECT_FALSE(GridmeshCfgMove("fport-7", "tnic1"));
+    EXPECT_THAT(mark.Lines(), ElementsAre("user.err Command \"gridmeshcfg-xbar -m -p fport-7 -I tnic1\" "
                                           "failed (rc=2): (stdout=bad port, stderr=oops)"));
 }
 
 TEST_F(HostToolsTest, SwitchOperationsPassTheirVectors)
 {
-    EXPECT_TRUE(AddXbar("vSwitch1"));
-    EXPECT_TRUE(SetXbarUplink("vSwitch1", "vmnic1", true));
-    EXPECT_TRUE(SetXbarUplink("vSwitch1", "vmnic0", false));
-    EXPECT_TRUE(AddXbarPortGroup("Management Network", "vSwitch1"));
-    EXPECT_EQ(Calls("ostraq"), "network xbar standard add -v vSwitch1\n"
-                               "network xbar standard uplink add -u vmnic1 -v vSwitch1\n"
-                               "network xbar standard uplink remove -u vmnic0 -v vSwitch1\n"
-                               "network xbar standard portgroup add -p Management Network -v vSwitch1\n");
+    EXPECT_TRUE(AddXbar("switch1"));
+    EXPECT_TRUE(SetXbarUplink("switch1", "hwport1", true));
+    EXPECT_TRUE(SetXbarUplink("switch1", "hwport0", false));
+    EXPECT_TRUE(AddXbarPortGroup("Management Network", "switch1"));
+    EXPECT_EQ(Calls("ostraq"), "network xbar standard add -v switch1\n"
+                               "network xbar standard uplink add -u hwport1 -v switch1\n"
+                               "network xbar standard uplink remove -u hwport0 -v switch1\n"
+                               "network xbar standard portgroup add -p Management Network -v switch1\n");
 
     WriteFile("/tmp/ostraq.out", "already exists");
     WriteFile("/tmp/ostraq.exit", "1");
     const LogMark mark;
-    EXPECT_FALSE(AddXbar("vSwitch1"));
-    EXPECT_THAT(mark.Lines(), Contains("user.err Command \"ostraq network xbar standard add -v vSwitch1\" "
+    EXPECT_FALSE(AddXbar("switch1"));
+    EXPECT_THAT(mark.Lines(), Contains("user.err Command \"ostraq network xbar standard add -v switch1\" "
                                        "failed (rc=1): already exists"));
 }
 

@@ -44,13 +44,13 @@ TEST_F(RecordsTest, EventCarriesMarkerIdAndMessage)
     const LogMark mark;
     PostEvent(Events::loginFailed, "bob");
     PostEvent(Events::rebootHost);
-    PostEvent(Events::networkRestart, std::string("vmk0"));
+    PostEvent(Events::networkRestart, std::string("tnic0"));
     // A name is data, never format.
     PostEvent(Events::passwordChanged, "100%s");
     EXPECT_THAT(Records("/var/log/notad.log"),
                 ElementsAre("@&!*@*@(nota.user.lanyx.login.failed)Authentication of user bob failed",
                             "@&!*@*@(nota.user.lanyx.reboot.host)Rebooting host",
-                            "@&!*@*@(nota.user.lanyx.network.restart)Restarting vmk0",
+                            "@&!*@*@(nota.user.lanyx.network.restart)Restarting tnic0",
                             "@&!*@*@(nota.user.lanyx.login.passwd.changed)Login password for user "
                             "100%s changed"));
     EXPECT_EQ(mark.Lines().size(), 4u);

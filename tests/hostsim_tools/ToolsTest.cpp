@@ -33,8 +33,8 @@ json BaseState() {
       "portGroups": [{"name": "Management Network", "switch": "xbar0", "vlan": 0, "activeClients": 1},
                      {"name": "Storage", "switch": "xbar0", "vlan": 20, "activeClients": 0}],
       "fabrics": [{"name": "fabric0", "uplinks": {"hwport2": {"portId": "1", "portKey": "k"}}, "ports": []}],
-      "network": {"managementInterface": "vmk0",
-                  "interfaces": [{"name": "vmk0", "connection": {"type": "portgroup", "portGroup": "Management Network"}}]},
+      "network": {"managementInterface": "tnic0",
+                  "interfaces": [{"name": "tnic0", "connection": {"type": "portgroup", "portGroup": "Management Network"}}]},
       "gridmesh": {"present": true, "version": "3.1.0", "running": true},
       "ping": {"reachable": ["10.0.0.1", "fe80::1"]},
       "guests": [{"name": "web", "running": true, "autostart": true}, {"name": "db", "running": false, "autostart": false}],
@@ -93,7 +93,7 @@ TEST_F(ToolsTest, WrongArgumentsAreRefusedWithStatusTwoAndChangeNothing) {
         {"agents.sh"}, {"agents.sh", "reload"}, {"stateSave.sh"}, {"stateSave.sh", "x"},
         {"factoryState.py"}, {"factoryState.py", "--reset"}, {"factoryState.py", "--reset-only", "now"},
         {"OstraShell"}, {"OstraShell", "enable"}, {"SSH", "status", "extra"}, {"gridmesh-opsagent", "reload"},
-        {"gridmeshcfg-xbar", "-p", "Storage", "-I", "vmk0"}, {"gridmeshcfg-xbar", "-m", "-p", "Storage"},
+        {"gridmeshcfg-xbar", "-p", "Storage", "-I", "tnic0"}, {"gridmeshcfg-xbar", "-m", "-p", "Storage"},
         {"reboot", "--now"}, {"poweroff", "-x"}, {"halt", "-d"}, {"shutdown", "-x"}, {"shutdown", "-h", "-r"},
         {"shutdown", "-h", "tomorrow"}, {"no-such-tool"},
     };
@@ -253,25 +253,25 @@ TEST_F(ToolsTest, AdvancedOptionsAreSetByOstraqOrBenchqAndReadByOstraTune) {
 }
 
 TEST_F(ToolsTest, GridmeshMoveTakesTheInterfaceToThePortGroup) {
-    ChildResult moved = Tool({"gridmeshcfg-xbar", "-m", "-p", "Storage", "-I", "vmk0"});
+    ChildResult moved = Tool({"gridmeshcfg-xbar", "-m", "-p", "Storage", "-I", "tnic0"});
     ASSERT_EQ(moved.status, 0) << moved.err;
     json state = State();
     EXPECT_EQ(state["network"]["interfaces"][0]["connection"], json({{"type", "portgroup"}, {"portGroup", "Storage"}}));
     EXPECT_EQ(state["portGroups"][0]["activeClients"], 0);
     EXPECT_EQ(state["portGroups"][1]["activeClients"], 1);
 
-    EXPECT_EQ(Tool({"gridmeshcfg-xbar", "-m", "-p", "Nowhere", "-I", "vmk0"}).status, 1);
-    EXPECT_EQ(Tool({"gridmeshcfg-xbar", "-m", "-p", "Storage", "-I", "vmk9"}).status, 1);
+    EXPECT_EQ(Tool({"gridmeshcfg-xbar", "-m", "-p", "Nowhere", "-I", "tnic0"}).status, 1);
+    EXPECT_EQ(Tool({"gridmeshcfg-xbar", "-m", "-p", "Storage", "-I", "tnic9"}).status, 1);
     Change([](json& s) { s["gridmesh"]["present"] = false; });
-    EXPECT_EQ(Tool({"gridmeshcfg-xbar", "-m", "-p", "Management Network", "-I", "vmk0"}).status, 1);
+    EXPECT_EQ(Tool({"gridmeshcfg-xbar", "-m", "-p", "Management Network", "-I", "tnic0"}).status, 1);
 }
 
 TEST_F(ToolsTest, TesselpingAnswersOnlyForReachableAddresses) {
-    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "vmk0", "10.0.0.1"}).status, 0);
+    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "tnic0", "10.0.0.1"}).status, 0);
     EXPECT_EQ(Tool({"tesselping", "-c", "3", "10.0.0.1"}).status, 0);
-    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "vmk0", "fe80::1"}).status, 0);
-    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "vmk0", "10.0.0.2"}).status, 1);
-    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "vmk7", "10.0.0.1"}).status, 1);
+    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "tnic0", "fe80::1"}).status, 0);
+    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "tnic0", "10.0.0.2"}).status, 1);
+    EXPECT_EQ(Tool({"tesselping", "-c", "3", "-I", "tnic7", "10.0.0.1"}).status, 1);
 }
 
 TEST_F(ToolsTest, PoweroffIsRecordedAndNothingElseChanges) {

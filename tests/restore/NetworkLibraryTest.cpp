@@ -30,9 +30,9 @@ TEST(NetworkValues, Ipv4TextAndValidity)
 
 TEST(NetworkValues, Ipv6ScopesAndNetworks)
 {
-    const KN::Ipv6Address scoped("fe80::1%vmk0");
+    const KN::Ipv6Address scoped("fe80::1%tnic0");
     EXPECT_EQ(scoped.GetStringAddress(), "fe80::1");
-    EXPECT_EQ(scoped.GetScopedStringAddress(), "fe80::1%vmk0");
+    EXPECT_EQ(scoped.GetScopedStringAddress(), "fe80::1%tnic0");
     EXPECT_TRUE(scoped.IsLinkLocal());
     EXPECT_FALSE(KN::Ipv6Address("fec0::1").IsLinkLocal());
     EXPECT_EQ(KN::Ipv6Address().GetScopedStringAddress(), "::");
@@ -76,7 +76,7 @@ class NetworkLibrary : public Testing::SimulatedHost {};
 TEST_F(NetworkLibrary, InterfaceCachesUntilStale)
 {
     Create("dhcp");
-    TN::TesselNicImpl nic("vmk0");
+    TN::TesselNicImpl nic("tnic0");
     EXPECT_TRUE(nic.IsStale());
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.57");
     EXPECT_FALSE(nic.IsStale());
@@ -93,7 +93,7 @@ TEST_F(NetworkLibrary, InterfaceCachesUntilStale)
 TEST_F(NetworkLibrary, SetIpConfigWritesModesAndAddresses)
 {
     Create();
-    TN::TesselNicImpl nic("vmk0");
+    TN::TesselNicImpl nic("tnic0");
     KN::IpConfig config = nic.GetIpConfig();
     config.SetIpv4Address(KN::Ipv4Address("10.1.2.3"));
     config.SetIpv4Netmask(KN::Ipv4Address("255.255.0.0"));
@@ -124,7 +124,7 @@ TEST_F(NetworkLibrary, SetIpConfigWritesModesAndAddresses)
 TEST_F(NetworkLibrary, ConnectMovesTheInterfaceAndItsClientCount)
 {
     Create("fabric");
-    TN::TesselNicImpl nic("vmk0");
+    TN::TesselNicImpl nic("tnic0");
     std::unique_ptr<KN::ConnectionPoint> point(nic.GetConnectionPoint());
     auto* port = dynamic_cast<KN::FabricPort*>(point.get());
     ASSERT_NE(port, nullptr);
@@ -206,8 +206,8 @@ TEST_F(NetworkLibrary, RoutesAndHostsFile)
     EXPECT_EQ(routing.GetTesselDefaultGateway().GetStringAddress(), "192.168.10.1");
     routing.SetTesselDefaultGateway(KN::Ipv4Address(), false);
     EXPECT_EQ(State()["network"]["gateway"], "");
-    routing.SetIpv6TesselDefaultGateway(KN::Ipv6Address("fe80::1%vmk0"));
-    EXPECT_EQ(routing.GetIpv6TesselDefaultGateway().GetScopedStringAddress(), "fe80::1%vmk0");
+    routing.SetIpv6TesselDefaultGateway(KN::Ipv6Address("fe80::1%tnic0"));
+    EXPECT_EQ(routing.GetIpv6TesselDefaultGateway().GetScopedStringAddress(), "fe80::1%tnic0");
 
     {
         std::ofstream hosts(root + "/etc/hosts");
@@ -225,7 +225,7 @@ TEST_F(NetworkLibrary, FaultsByOperationName)
 {
     Create();
     Fault("TesselNicImpl::Disable", "link stuck");
-    TN::TesselNicImpl nic("vmk0");
+    TN::TesselNicImpl nic("tnic0");
     try {
         nic.Disable();
         FAIL() << "no exception";

@@ -40,7 +40,7 @@ TEST_F(Switches, ManagementInterfaceIsTheHostsChoice)
     Create();
     auto nic = Management();
     ASSERT_TRUE(nic);
-    EXPECT_EQ(nic->GetInterfaceName(), "vmk0");
+    EXPECT_EQ(nic->GetInterfaceName(), "tnic0");
 
     Edit([](json& state) { state["network"]["managementInterface"] = ""; });
     EXPECT_FALSE(FindManagementInterface());
@@ -67,7 +67,7 @@ TEST_F(Switches, FabricInUseWithoutInterfaceOrWithFaultIsFalseAndLogged)
     EXPECT_FALSE(IsFabricInUse());
     EXPECT_EQ(Errors(), Strings{"Could not locate the management interface"});
 
-    Edit([](json& state) { state["network"]["managementInterface"] = "vmk0"; });
+    Edit([](json& state) { state["network"]["managementInterface"] = "tnic0"; });
     Fault("TesselNicImpl::GetConnectionPoint", "point lost");
     EXPECT_FALSE(IsFabricInUse());
     EXPECT_EQ(Errors().back(), "Could not determine if a FABRIC was in use: point lost");
@@ -83,7 +83,7 @@ TEST_F(Switches, SwitchNameOfEachConnecteeType)
 
     Connect({{"type", "portgroup"}, {"portGroup", "VM Network"}});
     EXPECT_TRUE(GetSwitchName(nic.get(), name));
-    EXPECT_EQ(name, "vSwitch0");
+    EXPECT_EQ(name, "switch0");
 
     Connect({{"type", "none"}});
     EXPECT_FALSE(GetSwitchName(nic.get(), name));
@@ -91,7 +91,7 @@ TEST_F(Switches, SwitchNameOfEachConnecteeType)
     EXPECT_FALSE(GetSwitchName(nic.get(), name));
     EXPECT_EQ(Errors(), (Strings{"Getting switch name failed: Unsupported connectee type",
                                  "Getting switch name failed: Opaque network connectee type not supported"}));
-    EXPECT_EQ(name, "vSwitch0");
+    EXPECT_EQ(name, "switch0");
 }
 
 TEST_F(Switches, VlanOfTheManagementPortGroup)
@@ -168,7 +168,7 @@ TEST_F(Switches, AddUplinkDetachesFromOneSwitchOfEachKind)
 {
     Create();
     Edit([](json& state) {
-        state["switches"].push_back({{"name", "vSwitch1"}, {"uplinks", {"hwport2"}}, {"portGroups", json::array()},
+        state["switches"].push_back({{"name", "switch1"}, {"uplinks", {"hwport2"}}, {"portGroups", json::array()},
                                      {"teaming", {{"flags", 16}, {"uplinkOrder", {"hwport2"}}}}});
         state["fabrics"].push_back({{"name", "fab-b"}, {"id", "fb"}, {"uplinks", {{"hwport3", {{"portId", "7"}}}}}});
     });
@@ -287,7 +287,7 @@ TEST_F(Switches, StandardSwitchesInLibraryOrder)
     std::vector<StandardSwitchInfo> switches;
     ASSERT_TRUE(GatherStandardSwitches(switches));
     ASSERT_EQ(switches.size(), 2u) << "fabrics are not listed";
-    EXPECT_EQ(switches[0].name, "vSwitch0");
+    EXPECT_EQ(switches[0].name, "switch0");
     EXPECT_EQ(switches[0].uplinks, (Strings{"hwport0", "hwport1"}));
     EXPECT_EQ(switches[0].portGroups, Strings{"VM Network"});
     EXPECT_EQ(switches[0].numPorts, 2560u);
@@ -332,7 +332,7 @@ TEST_F(Switches, UplinkUsersGiveEveryNameAnEntry)
     Create();
     UplinkUsers users{{"hwport3", "stale"}, {"other", "kept"}};
     ASSERT_TRUE(GatherUplinkUsers({"hwport0", "hwport1", "hwport2", "hwport3"}, users));
-    EXPECT_EQ(users, (UplinkUsers{{"hwport0", "vSwitch0"}, {"hwport1", "vSwitch0"}, {"hwport2", ""},
+    EXPECT_EQ(users, (UplinkUsers{{"hwport0", "switch0"}, {"hwport1", "switch0"}, {"hwport2", ""},
                                   {"hwport3", ""}, {"other", "kept"}}));
 }
 
@@ -342,7 +342,7 @@ TEST_F(Switches, UplinkUsersFabricWinsOverStandardSwitch)
     Edit([](json& state) { state["switches"][0]["uplinks"].push_back("hwport2"); });
     UplinkUsers users;
     ASSERT_TRUE(GatherUplinkUsers({"hwport1", "hwport2", "hwport3"}, users));
-    EXPECT_EQ(users["hwport1"], "vSwitch0");
+    EXPECT_EQ(users["hwport1"], "switch0");
     EXPECT_EQ(users["hwport2"], "fab-prod");
     EXPECT_EQ(users["hwport3"], "fab-prod");
 }
@@ -353,7 +353,7 @@ TEST_F(Switches, UplinkUsersStopAtTheFirstFailure)
     Fault("VirtualSwitchInfoImpl::GetFabricSwitches", "fabric agent down");
     UplinkUsers users;
     EXPECT_FALSE(GatherUplinkUsers({"hwport0", "hwport2"}, users));
-    EXPECT_EQ(users, (UplinkUsers{{"hwport0", "vSwitch0"}, {"hwport2", ""}})) << "the first pass stays";
+    EXPECT_EQ(users, (UplinkUsers{{"hwport0", "switch0"}, {"hwport2", ""}})) << "the first pass stays";
 
     Fault("VirtualSwitch::GetUplinks", "switch gone");
     EXPECT_FALSE(GatherUplinkUsers({"hwport0"}, users));
@@ -372,7 +372,7 @@ TEST_F(Switches, AdapterInfoOfEachKindOfNic)
     EXPECT_EQ(first.hardwareLabel, "Tessellate Ethernet Controller X710 for 10GbE SFP+") << "blanks collapsed";
     EXPECT_EQ(first.macAddress, "3c:fd:fe:a1:00:10");
     EXPECT_EQ(first.status, "Connected");
-    EXPECT_EQ(first.usedBy, "vSwitch0");
+    EXPECT_EQ(first.usedBy, "switch0");
 
     const AdapterInfo down = GatherAdapterInfo("hwport2", users);
     EXPECT_EQ(down.status, "Disconnected");
@@ -390,7 +390,7 @@ TEST_F(Switches, AdapterInfoOfEachKindOfNic)
 TEST_F(Switches, AdapterInfoDropsLabelFailuresOnly)
 {
     Create();
-    const UplinkUsers users{{"hwport1", "vSwitch0"}};
+    const UplinkUsers users{{"hwport1", "switch0"}};
     Fault("PciDevice::GetName", "vpd unreadable");
     const AdapterInfo info = GatherAdapterInfo("hwport1", users);
     EXPECT_EQ(info.hardwareLabel, "N/A");
@@ -408,7 +408,7 @@ TEST(AdapterText, RowFitsItsColumns)
               "{align:padding:13}hwport0{/align}{align:padding:30}Broadline 5720 (...4e:00:a2){/align}Connected ");
 
     info.hardwareLabel = "N/A";
-    info.usedBy = "vSwitch0";
+    info.usedBy = "switch0";
     EXPECT_EQ(FormatAdapterRow(info),
               "{align:padding:13}hwport0{/align}{align:padding:30}N/A (b0:26:28:4e:00:a2){/align}Connected (...)");
 

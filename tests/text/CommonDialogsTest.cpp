@@ -74,7 +74,7 @@ TEST_F(CommonDialogsTest, NotificationShortForm) {
 
 TEST_F(CommonDialogsTest, NotificationLongFormWrapsOverThreeLines) {
     const std::string message =
-        "Standard switch 'vSwitch1' has been created successfully and the uplink has been "
+        "Standard switch 'lab-sw01' has been created successfully and the uplink has been "
         "added. The port group can now be created on it, and the kernel interface moved.";
     NotificationDialog dialog{nullptr, 75, 10, 7, "Operation Succeeded", message};
     EXPECT_EQ(dialog.GetX(), 2);
@@ -83,7 +83,7 @@ TEST_F(CommonDialogsTest, NotificationLongFormWrapsOverThreeLines) {
     EXPECT_TRUE(dialog.RunModal());
     WINDOW* cells = dialog.GetHandle();
     EXPECT_EQ(RowText(cells, 3, 3, 69),
-              "Standard switch 'vSwitch1' has been created successfully and the");
+              "Standard switch 'lab-sw01' has been created successfully and the");
     EXPECT_EQ(RowText(cells, 3, 4, 69),
               "uplink has been added. The port group can now be created on it, and");
     EXPECT_EQ(RowText(cells, 3, 5, 69), "the kernel interface moved.");
@@ -91,8 +91,8 @@ TEST_F(CommonDialogsTest, NotificationLongFormWrapsOverThreeLines) {
 }
 
 TEST_F(CommonDialogsTest, InfoDialogShowsEverythingAtConstruction) {
-    InfoDialog dialog{nullptr, "Name: vmk0\nMAC Address: 00:50:56:01:02:03", "Tessel NIC Details",
-                      "Tessel NIC Name: vmk0", kOkFooter};
+    InfoDialog dialog{nullptr, "Name: tnic0\nMAC Address: 00:50:56:01:02:03", "Tessel NIC Details",
+                      "Tessel NIC Name: tnic0", kOkFooter};
     WINDOW* cells = dialog.GetHandle();
     EXPECT_EQ(dialog.GetX(), 5);
     EXPECT_EQ(dialog.GetY(), 4);
@@ -103,13 +103,13 @@ TEST_F(CommonDialogsTest, InfoDialogShowsEverythingAtConstruction) {
     EXPECT_EQ(text.GetHeight(), 6);
     EXPECT_EQ(text.GetForeground(), 6);
     EXPECT_EQ(RowText(cells, 3, 1, 64), "Tessel NIC Details");
-    EXPECT_EQ(RowText(cells, 3, 3, 64), "Tessel NIC Name: vmk0");
-    EXPECT_EQ(RowText(cells, 2, 6, 66), "Name: vmk0");
+    EXPECT_EQ(RowText(cells, 3, 3, 64), "Tessel NIC Name: tnic0");
+    EXPECT_EQ(RowText(cells, 2, 6, 66), "Name: tnic0");
     EXPECT_EQ(RowText(cells, 2, 7, 66), "MAC Address: 00:50:56:01:02:03");
     EXPECT_EQ(PairAt(cells, 2, 6), PairOf(3, 6));
     EXPECT_EQ(RowText(cells, 2, 13, 66), std::string(56, ' ') + kWaitFooterText);
     RunPastOtherKeys(dialog);
-    EXPECT_EQ(RowText(cells, 2, 6, 66), "Name: vmk0") << "the body survives the activation";
+    EXPECT_EQ(RowText(cells, 2, 6, 66), "Name: tnic0") << "the body survives the activation";
 }
 
 TEST_F(CommonDialogsTest, DialogsTooWideForTheScreenStillWaitForEnter) {
@@ -119,8 +119,8 @@ TEST_F(CommonDialogsTest, DialogsTooWideForTheScreenStillWaitForEnter) {
 }
 
 TEST(InfoTypeRow, FieldsAreCutToTheirColumns) {
-    EXPECT_EQ(ShortenField("vmk123", 6, 3), "vmk123");
-    EXPECT_EQ(ShortenField("vmk1234", 6, 3), "vmk...");
+    EXPECT_EQ(ShortenField("nic123", 6, 3), "nic123");
+    EXPECT_EQ(ShortenField("nic1234", 6, 3), "nic...");
     const std::string name18 = "abcdefghijklmnopqr";
     EXPECT_EQ(ShortenField(name18, 18, 15), name18);
     EXPECT_EQ(ShortenField(name18 + "s", 18, 15), "abcdefghijklmno...");

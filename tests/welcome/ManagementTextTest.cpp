@@ -17,9 +17,9 @@ protected:
 
 TEST_F(ManagementText, StaticHostWithName)
 {
-    facts.hostname = "esx01";
+    facts.hostname = "host01";
     facts.ipv4 = "192.168.10.21";
-    EXPECT_EQ(Compose(), "To manage this host, go to:\nhttps://esx01/ \nhttps://192.168.10.21/ (STATIC)");
+    EXPECT_EQ(Compose(), "To manage this host, go to:\nhttps://host01/ \nhttps://192.168.10.21/ (STATIC)");
 }
 
 TEST_F(ManagementText, EmptyOrLocalHostNameGivesNoNameLine)
@@ -47,10 +47,10 @@ TEST_F(ManagementText, DhcpModes)
 TEST_F(ManagementText, NoIpv4AddressShowsOnlyADhcpMode)
 {
     facts.useNone = true;
-    facts.hostname = "esx01";
-    EXPECT_EQ(Compose(), "To manage this host, go to:\nhttps://esx01/ ");
+    facts.hostname = "host01";
+    EXPECT_EQ(Compose(), "To manage this host, go to:\nhttps://host01/ ");
     facts.useDhcp = true;
-    EXPECT_EQ(Compose(), "To manage this host, go to:\nhttps://esx01/ (Waiting for DHCP...)");
+    EXPECT_EQ(Compose(), "To manage this host, go to:\nhttps://host01/ (Waiting for DHCP...)");
 }
 
 TEST_F(ManagementText, Ipv6LinesFollowWhenEnabled)

@@ -61,15 +61,15 @@ std::string RightTrim(std::string text)
 }
 
 // "rgb:RR/GG/BB" with 1 to 4 hex digits per component.
-std::optional<Rgb> ParseColorSpec(std::string_view spec)
+std::optional<Rgb> ParseColorText(std::string_view colorText)
 {
-    if (spec.substr(0, 4) != "rgb:")
+    if (colorText.substr(0, 4) != "rgb:")
         return std::nullopt;
-    spec.remove_prefix(4);
+    colorText.remove_prefix(4);
     int parts[3];
     for (int i = 0; i < 3; ++i) {
-        const size_t slash = spec.find('/');
-        const std::string digits(spec.substr(0, slash));
+        const size_t slash = colorText.find('/');
+        const std::string digits(colorText.substr(0, slash));
         if (digits.empty() || digits.size() > 4)
             return std::nullopt;
         char* end = nullptr;
@@ -78,7 +78,7 @@ std::optional<Rgb> ParseColorSpec(std::string_view spec)
             return std::nullopt;
         const long max = (1L << (4 * digits.size())) - 1;
         parts[i] = static_cast<int>((value * 255 + max / 2) / max);
-        spec = slash == std::string_view::npos ? std::string_view() : spec.substr(slash + 1);
+        colorText = slash == std::string_view::npos ? std::string_view() : colorText.substr(slash + 1);
     }
     return Rgb{parts[0], parts[1], parts[2]};
 }
@@ -165,7 +165,7 @@ struct Console::Emulator {
         return 1;
     }
 
-    // "4;index;spec[;index;spec...]" redefines palette entries.
+    // "4;index;colorText[;index;colorText...]" redefines palette entries.
     static int OnOsc(const char* command, size_t length, void* user)
     {
         auto* self = static_cast<Emulator*>(user);
@@ -184,7 +184,7 @@ struct Console::Emulator {
             return 0;
         for (size_t i = 1; i + 1 < fields.size(); i += 2) {
             const int index = std::atoi(fields[i].c_str());
-            if (auto rgb = ParseColorSpec(fields[i + 1]))
+            if (auto rgb = ParseColorText(fields[i + 1]))
                 self->palette[index] = *rgb;
         }
         return 1;
