@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/Records.hpp"
+
 namespace Keelson {
 
 const std::string emptyString;
@@ -24,16 +26,7 @@ namespace Misc {
 std::string StrPrintf(const char* format, ...) {
     va_list args;
     va_start(args, format);
-    va_list copy;
-    va_copy(copy, args);
-    int length = std::vsnprintf(nullptr, 0, format, copy);
-    va_end(copy);
-    std::string text;
-    if (length > 0) {
-        text.resize(static_cast<size_t>(length) + 1);
-        std::vsnprintf(text.data(), text.size(), format, args);
-        text.resize(static_cast<size_t>(length));
-    }
+    std::string text = HostSim::Platform::VFormat(format, args);
     va_end(args);
     return text;
 }

@@ -24,16 +24,7 @@ int NotaUserLib_AddNota(const char* format, ...) {
     if (format == nullptr) return -1;
     va_list args;
     va_start(args, format);
-    va_list copy;
-    va_copy(copy, args);
-    int length = std::vsnprintf(nullptr, 0, format, copy);
-    va_end(copy);
-    std::string text;
-    if (length > 0) {
-        text.resize(static_cast<size_t>(length) + 1);
-        std::vsnprintf(text.data(), text.size(), format, args);
-        text.resize(static_cast<size_t>(length));
-    }
+    std::string text = HostSim::Platform::VFormat(format, args);
     va_end(args);
     HostSim::Platform::AppendRecord("/var/log/notad.log", HostSim::Platform::Timestamp() + " " + text);
     return 0;

@@ -1,6 +1,7 @@
 #include "platform/Records.hpp"
 
 #include <cerrno>
+#include <cstdio>
 #include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
@@ -8,6 +9,20 @@
 #include "platform/HostState.hpp"
 
 namespace HostSim::Platform {
+
+std::string VFormat(const char* format, va_list args) {
+    va_list copy;
+    va_copy(copy, args);
+    int length = std::vsnprintf(nullptr, 0, format, copy);
+    va_end(copy);
+    std::string text;
+    if (length > 0) {
+        text.resize(static_cast<size_t>(length) + 1);
+        std::vsnprintf(text.data(), text.size(), format, args);
+        text.resize(static_cast<size_t>(length));
+    }
+    return text;
+}
 
 std::string Timestamp() {
     std::time_t now = std::time(nullptr);
