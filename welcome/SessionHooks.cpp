@@ -1,12 +1,20 @@
 #include "welcome/SessionHooks.hpp"
 
+#include "auth/LoginAccess.hpp"
+#include "auth/LoginDialog.hpp"
+#include "auth/LoginDisabledDialog.hpp"
+
 namespace Lanyx {
 
 SessionHooks DefaultSessionHooks()
 {
     SessionHooks hooks;
-    // No login screen yet: F2 and F12 only end the round, as a cancelled login does.
-    hooks.createLoginDialog = [](Frame*) { return std::unique_ptr<Frame>(); };
+    // Asked at each key: the host may open or close the console at any time.
+    hooks.createLoginDialog = [](Frame* owner) -> std::unique_ptr<Frame> {
+        if (LoginMarkerPresent())
+            return std::make_unique<LoginDialog>(owner);
+        return std::make_unique<LoginDisabledDialog>(owner);
+    };
     hooks.runSystemCustomization = [](Frame*) {};
     hooks.runShutdown = [](Frame*) {};
     return hooks;

@@ -1,6 +1,8 @@
 // What the welcome screen runs behind F2 and F12: the login, then the System Customization
-// menu or the shutdown dialog. These screens belong to other layers; until they are plugged
-// in here, F2 and F12 lead nowhere and nothing of a session happens.
+// menu or the shutdown dialog. These screens belong to other layers. The login is plugged in:
+// the login dialog while the host keeps the console open for login, else the refusal box. The
+// menu and the shutdown dialog are not yet: after a login F2 ends the session at once and F12
+// returns to the welcome screen.
 #pragma once
 #include <functional>
 #include <memory>

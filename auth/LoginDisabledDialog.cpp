@@ -1,0 +1,39 @@
+#include "auth/LoginDisabledDialog.hpp"
+
+#include <cstdint>
+
+#include "auth/LoginAccess.hpp"
+#include "core/Keys.hpp"
+
+namespace Lanyx {
+
+namespace {
+
+constexpr int kWidth = 60;
+constexpr int kHeight = 9;
+constexpr int kTitleHeight = 6;
+
+enum CatalogueId : uint32_t {
+    DeniedTitleId = 145,
+    DisabledLeadId = 146,
+};
+
+} // namespace
+
+LoginDisabledDialog::LoginDisabledDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {}
+
+bool LoginDisabledDialog::Execute()
+{
+    SetTitle(strings ? strings->GetString(DeniedTitleId) : "");
+    SetMessage(HostGreeting(strings ? strings->GetString(DisabledLeadId) : ""));
+    SetFooter(kOkFooter);
+    for (;;) {
+        const int key = ReadKey(true);
+        if (key == Keys::Enter || key == Keys::Escape)
+            break;
+    }
+    SetActive(false);
+    return false;
+}
+
+} // namespace Lanyx
