@@ -5,6 +5,8 @@
 
 #include "core/Frame.hpp"
 #include "keelson/Dns.hpp"
+#include "keelson/Network.hpp"
+#include "keelson/Routing.hpp"
 #include "text/ItemList.hpp"
 #include "text/TextArea.hpp"
 
@@ -47,6 +49,8 @@ protected:
     TextArea* detailText = nullptr;
     ItemList* itemList = nullptr;
     TesselCtl::Network::DnsConfigImpl dnsConfig{"defaultTcpipStack"};
+    TesselCtl::Network::RoutingInfoImpl routingInfo{"defaultTcpipStack"};
+    TesselCtl::Network::VirtualSwitchInfoImpl virtualSwitchInfo;
 };
 
 } // namespace Lanyx

@@ -1,0 +1,126 @@
+// Start-up time, peak memory and idle CPU of the console on a pseudo-terminal, next to a minimal
+// curses program measured the same way. Start-up runs until the screen is complete as the
+// operator sees it; the idle minute runs under an accelerated clock.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "harness/Console.hpp"
+#include "harness/HostRoot.hpp"
+
+using namespace LanyxE2E;
+using namespace std::chrono_literals;
+
+namespace {
+
+struct Subject {
+    std::string name;
+    std::function<ConsoleOptions()> options;
+    std::string ready; // text on the screen once it is complete
+};
+
+// Peak resident set (kB) of a running process.
+long PeakKiB(pid_t pid)
+{
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("VmHWM:", 0) == 0)
+            return std::stol(line.substr(6));
+    }
+    return -1;
+}
+
+// User plus system CPU of a running process, in clock ticks.
+long CpuTicks(pid_t pid)
+{
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+    // Fields after the command name, which ends with the last ')'.
+    std::istringstream rest(text.substr(text.rfind(')') + 2));
+    std::string field;
+    long utime = 0, stime = 0;
+    for (int index = 3; rest >> field; ++index) {
+        if (index == 14)
+            utime = std::stol(field);
+        if (index == 15) {
+            stime = std::stol(field);
+            break;
+        }
+    }
+    return utime + stime;
+}
+
+bool Complete(Console& console, const std::string& ready)
+{
+    return console.WaitFor(
+        [&] { return console.CellAt(console.Rows() - 1, console.Cols() - 1).text == "┘" && console.Find(ready); }, 10s,
+        ready);
+}
+
+double Median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+void Measure(const Subject& subject, int runs)
+{
+    std::vector<double> startMs;
+    std::vector<double> peak;
+    for (int run = 0; run < runs; ++run) {
+        const auto begin = std::chrono::steady_clock::now();
+        Console console(subject.options());
+        if (!Complete(console, subject.ready)) {
+            std::printf("%s: screen not complete\n%s\n", subject.name.c_str(), console.Describe().c_str());
+            return;
+        }
+        startMs.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count());
+        peak.push_back(static_cast<double>(PeakKiB(console.Pid())));
+    }
+
+    // Five minutes of idling at sixty times the speed of the clock: five seconds of real time.
+    ConsoleOptions idle = subject.options();
+    idle.faketime = "+0 x60";
+    Console console(idle);
+    double idleMs = -1;
+    if (Complete(console, subject.ready)) {
+        const long before = CpuTicks(console.Pid());
+        const auto end = std::chrono::steady_clock::now() + 5s;
+        while (std::chrono::steady_clock::now() < end)
+            console.Pump(std::chrono::duration_cast<Duration>(end - std::chrono::steady_clock::now()));
+        const long after = CpuTicks(console.Pid());
+        idleMs = 1000.0 * static_cast<double>(after - before) / static_cast<double>(sysconf(_SC_CLK_TCK)) / 5;
+    }
+    std::printf("%-16s start-up median %7.1f ms (min %7.1f)  peak RSS %7.0f KiB  CPU per idle minute %5.1f ms\n",
+                subject.name.c_str(), Median(startMs), *std::min_element(startMs.begin(), startMs.end()), Median(peak),
+                idleMs);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
+    HostRoot root("default");
+    const std::vector<Subject> subjects = {
+        {"lanyx", [&] { return LanyxOptions(root.Path()); }, "To manage this host, go to:"},
+        {"minimal curses",
+         [] {
+             ConsoleOptions options;
+             options.argv = {LANYX_BENCH_MINIMAL};
+             return options;
+         },
+         "minimal screen ready"},
+    };
+    std::printf("%d runs each on an 80x25 pseudo-terminal (xterm-256color)\n", runs);
+    for (const Subject& subject : subjects)
+        Measure(subject, runs);
+    return 0;
+}
