@@ -181,6 +181,12 @@ void CreateRoot(const std::string& dir, const std::string& profile, const std::s
 
     MakeToolScripts(root, programDir);
     WriteFile(RootPath(root, "/etc/pam.d/lanyx"), PamService(root, programDir));
+    // PAM reads the fallback service whenever it opens a service folder; without one it logs an error
+    // at every login. Any other service is refused.
+    WriteFile(RootPath(root, "/etc/pam.d/other"),
+              "# Services without a file of their own are refused\n"
+              "auth     required pam_deny.so\naccount  required pam_deny.so\n"
+              "password required pam_deny.so\nsession  required pam_deny.so\n");
     const std::string marker = RootPath(root, "/var/run/zephora/show-lanyx-login");
     if (chosen->loginMarker) {
         WriteFile(marker, "");
