@@ -16,8 +16,7 @@ namespace {
 // tests would.
 class HostOptions : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         char pattern[] = "/tmp/lanyx-core-host-XXXXXX";
         ASSERT_NE(mkdtemp(pattern), nullptr);
         root = pattern;
@@ -29,27 +28,22 @@ protected:
         cardUser.clear();
         loginUser.clear();
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         std::filesystem::remove_all(std::filesystem::path(root).parent_path());
     }
 
-    static void Hostsim(const std::string& arguments)
-    {
+    static void Hostsim(const std::string& arguments) {
         const std::string command =
             std::string(HOSTSIM_COMMAND) + " " + arguments + " >/dev/null 2>&1";
         ASSERT_EQ(std::system(command.c_str()), 0) << command;
     }
-    void Set(const std::string& name, const std::string& value)
-    {
+    void Set(const std::string& name, const std::string& value) {
         Hostsim("set " + root + " " + name + " '" + value + "'");
     }
-    void Fault(const std::string& operation, const std::string& text)
-    {
+    void Fault(const std::string& operation, const std::string& text) {
         Hostsim("fault " + root + " lib " + operation + " '" + text + "'");
     }
-    std::string Syslog() const
-    {
+    std::string Syslog() const {
         std::ifstream in(root + "/var/log/syslog.log");
         std::stringstream text;
         text << in.rdbuf();
@@ -59,105 +53,62 @@ protected:
     std::string root;
 };
 
-TEST_F(HostOptions, IdleTimeoutComesFromTheOption)
-{
-    Set("lanyx-timeout", "120");
-    idleTimeoutSeconds = 0;
-    ReadIdleTimeout();
-    EXPECT_EQ(idleTimeoutSeconds, 120u);
+TEST_F(HostOptions, IdleLimitIsReadAtTheStartOfASessionWith600AsFallback) {
+    const std::pair<const char*, unsigned> cases[] = {
+        {"120", 120}, {"0", 0} /* no limit */, {"none", 600}};
+    for (const auto& [option, seconds] : cases) {
+        Set("lanyx-timeout", option);
+        idleTimeoutSeconds = 1;
+        ReadIdleTimeout();
+        EXPECT_EQ(idleTimeoutSeconds, seconds) << option;
+    }
+    Set("lanyx-timeout", "90");
+    SetSessionActive(true);
+    EXPECT_EQ(idleTimeoutSeconds, 90u);
+    Set("lanyx-timeout", "45");
+    SetSessionActive(false);
+    EXPECT_EQ(idleTimeoutSeconds, 90u) << "only the start of a session reads it";
 
-    Set("lanyx-timeout", "0");
-    ReadIdleTimeout();
-    EXPECT_EQ(idleTimeoutSeconds, 0u) << "no limit";
-}
-
-TEST_F(HostOptions, IdleTimeoutFallsBackTo600)
-{
-    Set("lanyx-timeout", "none");
-    idleTimeoutSeconds = 0;
-    ReadIdleTimeout();
-    EXPECT_EQ(idleTimeoutSeconds, 600u);
-
-    Set("lanyx-timeout", "30");
     Fault("AdvancedOptionImpl::FindOption", "options unavailable");
-    idleTimeoutSeconds = 0;
     EXPECT_NO_THROW(ReadIdleTimeout());
     EXPECT_EQ(idleTimeoutSeconds, 600u);
     EXPECT_EQ(Syslog().find("options unavailable"), std::string::npos) << "nothing is logged";
 }
 
-TEST_F(HostOptions, SessionStartRereadsTheLimit)
-{
-    Set("lanyx-timeout", "90");
-    idleTimeoutSeconds = 0;
-    SetSessionActive(true);
-    EXPECT_TRUE(sessionActive);
-    EXPECT_EQ(idleTimeoutSeconds, 90u);
-    Set("lanyx-timeout", "45");
-    SetSessionActive(false);
-    EXPECT_FALSE(sessionActive);
-    EXPECT_EQ(idleTimeoutSeconds, 90u) << "only the start of a session reads it";
-}
-
-TEST_F(HostOptions, CardUserFoundOutsideASession)
-{
-    Set("smartcard-user", "");
-    EXPECT_EQ(FindCardUser(), "");
-    EXPECT_FALSE(HasCardWithUser("alice"));
-
+TEST_F(HostOptions, CardUserIsFoundOutsideASession) {
     Set("smartcard-user", "alice");
-    EXPECT_EQ(FindCardUser(), "alice");
     EXPECT_TRUE(HasCardWithUser("alice"));
     EXPECT_FALSE(HasCardWithUser("bob"));
-    EXPECT_FALSE(HasCardWithUser(""));
-
     CheckSmartCard();
     EXPECT_EQ(cardUser, "alice");
     EXPECT_NE(Syslog().find("Found smart card with user id 'alice'"), std::string::npos);
+    SetLoginUser("alice");
+    EXPECT_TRUE(cardLogin);
+    SetLoginUser("root");
+    EXPECT_FALSE(cardLogin);
 
     Set("smartcard-user", "");
     CheckSmartCard();
     EXPECT_EQ(cardUser, "");
-}
+    EXPECT_FALSE(HasCardWithUser(""));
 
-TEST_F(HostOptions, ReaderFailureLogsAndFindsNobody)
-{
     Set("smartcard-user", "alice");
     Fault("SmartCardInfoImpl::GetToken", "reader gone");
     EXPECT_EQ(FindCardUser(), "");
-    EXPECT_FALSE(HasCardWithUser("alice"));
     EXPECT_NE(Syslog().find("Error trying to lookup smart card tokens."), std::string::npos);
 }
 
-TEST_F(HostOptions, LoginUserRemembersWhetherTheCardCarriesIt)
-{
-    Set("smartcard-user", "alice");
-    SetLoginUser("alice");
-    EXPECT_EQ(loginUser, "alice");
-    EXPECT_TRUE(cardLogin);
-    SetLoginUser("root");
-    EXPECT_EQ(loginUser, "root");
-    EXPECT_FALSE(cardLogin);
-}
-
-TEST_F(HostOptions, CardSessionEndsWhenTheCardLeaves)
-{
+TEST_F(HostOptions, CardSessionEndsWhenTheCardLeavesPasswordSessionsIgnoreCards) {
     Set("smartcard-user", "alice");
     SetLoginUser("alice");
     sessionActive = true;
-    CheckSmartCard(); // card still there: nothing happens
+    CheckSmartCard();
     EXPECT_EQ(cardUser, "") << "the card user is only looked up outside a session";
-
     Set("smartcard-user", "");
     EXPECT_EXIT(CheckSmartCard(), ::testing::ExitedWithCode(0), "");
     EXPECT_NE(Syslog().find("Logging out user id 'alice'"), std::string::npos);
-}
 
-TEST_F(HostOptions, PasswordSessionIgnoresCards)
-{
-    Set("smartcard-user", "");
     SetLoginUser("root");
-    sessionActive = true;
     CheckSmartCard();
     EXPECT_EQ(loginUser, "root");
     sessionActive = false;

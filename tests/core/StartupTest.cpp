@@ -11,75 +11,57 @@
 namespace Lanyx {
 namespace {
 
-TEST(VtNumber, AcceptsOneToSixtyThree)
-{
-    EXPECT_EQ(ParseVtNumber("1"), 1);
-    EXPECT_EQ(ParseVtNumber("7"), 7);
-    EXPECT_EQ(ParseVtNumber("63"), 63);
-    EXPECT_EQ(ParseVtNumber("0"), std::nullopt);
-    EXPECT_EQ(ParseVtNumber("64"), std::nullopt);
-    EXPECT_EQ(ParseVtNumber("-3"), std::nullopt);
-    EXPECT_EQ(ParseVtNumber("abc"), std::nullopt);
-    EXPECT_EQ(ParseVtNumber(""), std::nullopt);
-    EXPECT_EQ(ParseVtNumber("99999999999999999999999"), std::nullopt);
-    EXPECT_EQ(ParseVtNumber(nullptr), std::nullopt);
+TEST(VtNumber, OneToSixtyThreeAsStrtolReadsThem) {
+    const std::pair<const char*, std::optional<int>> cases[] = {
+        {"1", 1},
+        {"63", 63},
+        {"0", std::nullopt},
+        {"64", std::nullopt},
+        {"-3", std::nullopt},
+        {"abc", std::nullopt},
+        {"", std::nullopt},
+        {nullptr, std::nullopt},
+        {"99999999999999999999999", std::nullopt},
+        {"12x", 12},
+        {" 5", 5},
+        {"010", 10} /* not octal */,
+        {"0x10", std::nullopt},
+    };
+    for (const auto& [text, number] : cases)
+        EXPECT_EQ(ParseVtNumber(text), number) << (text ? text : "(null)");
 }
 
-TEST(VtNumber, TakesTheLeadingDecimalNumberAsStrtolDoes)
-{
-    EXPECT_EQ(ParseVtNumber("12x"), 12);
-    EXPECT_EQ(ParseVtNumber(" 5"), 5);
-    EXPECT_EQ(ParseVtNumber("010"), 10) << "base 10, not octal";
-    EXPECT_EQ(ParseVtNumber("0x10"), std::nullopt) << "base 10, not hexadecimal";
-}
-
-TEST(TerminalType, VirtualTerminalIsConsoleWithLinuxType)
-{
-    for (const char* term : {static_cast<const char*>(nullptr), "xterm", "vt102", "linux"})
-        for (const char* ssh : {static_cast<const char*>(nullptr), "10.0.0.1 5000 22"}) {
-            const TerminalDecision d = DecideTerminalType(true, term, ssh);
-            EXPECT_TRUE(d.consoleMode);
-            EXPECT_EQ(d.term, "linux");
-        }
-}
-
-TEST(TerminalType, LinuxTypeOffTheConsoleBecomesVt102)
-{
-    for (const char* ssh : {static_cast<const char*>(nullptr), "10.0.0.1 5000 22"}) {
-        const TerminalDecision d = DecideTerminalType(false, "linux", ssh);
-        EXPECT_FALSE(d.consoleMode);
-        EXPECT_EQ(d.term, "vt102");
-    }
-}
-
-TEST(TerminalType, XtermIsConsoleOnlyWithoutSsh)
-{
-    TerminalDecision local = DecideTerminalType(false, "xterm", nullptr);
-    EXPECT_TRUE(local.consoleMode);
-    EXPECT_EQ(local.term, std::nullopt);
-
-    TerminalDecision remote = DecideTerminalType(false, "xterm", "10.0.0.1 5000 22");
-    EXPECT_FALSE(remote.consoleMode);
-    EXPECT_EQ(remote.term, std::nullopt);
-
-    // An empty SSH_CLIENT is still set.
-    EXPECT_FALSE(DecideTerminalType(false, "xterm", "").consoleMode);
-}
-
-TEST(TerminalType, OtherOrMissingTypesAreLeftAlone)
-{
-    for (const char* term : {static_cast<const char*>(nullptr), "vt102", "xterm-256color",
-                             "screen", "", "Linux"}) {
-        const TerminalDecision d = DecideTerminalType(false, term, nullptr);
-        EXPECT_FALSE(d.consoleMode) << (term ? term : "(unset)");
-        EXPECT_EQ(d.term, std::nullopt) << (term ? term : "(unset)");
+TEST(TerminalType, ConsoleModeAndTheTypeToSet) {
+    const char* ssh = "10.0.0.1 5000 22";
+    const struct {
+        bool onVt;
+        const char* term;
+        const char* ssh;
+        bool console;
+        std::optional<std::string> type;
+    } cases[] = {
+        {true, nullptr, nullptr, true, "linux"},
+        {true, "xterm", ssh, true, "linux"},
+        {false, "linux", nullptr, false, "vt102"},
+        {false, "linux", ssh, false, "vt102"},
+        {false, "xterm", nullptr, true, std::nullopt},
+        {false, "xterm", ssh, false, std::nullopt},
+        {false, "xterm", "", false, std::nullopt} /* set, though empty */,
+        {false, "Linux", nullptr, false, std::nullopt},
+        {false, nullptr, nullptr, false, std::nullopt},
+        {false, "xterm-256color", nullptr, false, std::nullopt},
+    };
+    for (const auto& c : cases) {
+        const TerminalDecision d = DecideTerminalType(c.onVt, c.term, c.ssh);
+        EXPECT_EQ(d.consoleMode, c.console)
+            << c.onVt << " " << (c.term ? c.term : "-") << " " << (c.ssh ? c.ssh : "-");
+        EXPECT_EQ(d.term, c.type) << c.onVt << " " << (c.term ? c.term : "-");
     }
 }
 
 class PidFile : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         char pattern[] = "/tmp/lanyx-core-test-XXXXXX";
         ASSERT_NE(mkdtemp(pattern), nullptr);
         dir = pattern;
@@ -88,69 +70,38 @@ protected:
     void TearDown() override { std::filesystem::remove_all(dir); }
 
     void Write(const std::string& text) { std::ofstream(path) << text; }
-    std::string Read() const
-    {
+    std::string Read() const {
         std::ifstream in(path);
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
-    static pid_t DeadPid()
-    {
-        const pid_t child = fork();
-        if (child == 0)
-            _exit(0);
-        int status = 0;
-        waitpid(child, &status, 0);
-        return child;
-    }
-
     std::string dir;
     std::string path;
-    const pid_t self = 4242;
 };
 
-TEST_F(PidFile, MissingFileIsCreatedWithOwnPidAndNoNewline)
-{
-    EXPECT_EQ(ClaimPidFile(path, self), PidFileResult::Written);
-    EXPECT_EQ(Read(), "4242");
-}
-
-TEST_F(PidFile, UnusableContentIsReplaced)
-{
-    for (const std::string content : {"garbage", "", "0", "-17", "\n", "99999999999"}) {
+TEST_F(PidFile, TakenOverUnlessItsProcessRuns) {
+    const pid_t dead = fork();
+    if (dead == 0)
+        _exit(0);
+    waitpid(dead, nullptr, 0);
+    EXPECT_EQ(ClaimPidFile(path, 4242), PidFileResult::Written);
+    EXPECT_EQ(Read(), "4242") << "no newline";
+    for (const std::string& content :
+         {std::string("garbage"), std::string(""), std::string("-17"), std::string("99999999999"),
+          std::to_string(dead) + "\n", std::string("1234567890 trailing text of a damaged file")}) {
         Write(content);
-        EXPECT_EQ(ClaimPidFile(path, self), PidFileResult::Written) << content;
-        EXPECT_EQ(Read(), "4242") << content;
+        EXPECT_EQ(ClaimPidFile(path, 77), PidFileResult::Written) << content;
+        EXPECT_EQ(Read(), "77") << content;
     }
-}
 
-TEST_F(PidFile, ProcessGoneIsReplaced)
-{
-    Write(std::to_string(DeadPid()) + "\n");
-    EXPECT_EQ(ClaimPidFile(path, self), PidFileResult::Written);
-    EXPECT_EQ(Read(), "4242");
-}
-
-TEST_F(PidFile, RunningProcessKeepsTheFile)
-{
     const std::string other = std::to_string(getppid()) + "\n";
     Write(other);
-    EXPECT_EQ(ClaimPidFile(path, self), PidFileResult::HeldByAnother);
+    EXPECT_EQ(ClaimPidFile(path, 4242), PidFileResult::HeldByAnother);
     EXPECT_EQ(Read(), other);
-}
 
-TEST_F(PidFile, LongerOldContentIsTruncated)
-{
-    Write("1234567890 trailing text of a damaged file");
-    EXPECT_EQ(ClaimPidFile(path, 77), PidFileResult::Written);
-    EXPECT_EQ(Read(), "77");
-}
-
-TEST_F(PidFile, UnwritablePlaceIsNotAnError)
-{
     const std::string missing = dir + "/no/such/folder/lanyx.pid";
-    EXPECT_EQ(ClaimPidFile(missing, self), PidFileResult::Written);
-    EXPECT_FALSE(std::filesystem::exists(missing));
+    EXPECT_EQ(ClaimPidFile(missing, 4242), PidFileResult::Written)
+        << "an unwritable place is no error";
 }
 
 } // namespace
