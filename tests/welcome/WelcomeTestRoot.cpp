@@ -25,21 +25,18 @@ struct RootState {
     std::map<std::string, std::uintmax_t> marks; // record file -> size at the last reset
 };
 
-RootState& Shared()
-{
+RootState& Shared() {
     static RootState state;
     return state;
 }
 
-std::uintmax_t SizeOf(const std::string& path)
-{
+std::uintmax_t SizeOf(const std::string& path) {
     std::error_code error;
     const auto size = fs::file_size(path, error);
     return error ? 0 : size;
 }
 
-void RunHostsim(const std::vector<std::string>& args)
-{
+void RunHostsim(const std::vector<std::string>& args) {
     const pid_t pid = fork();
     if (pid == 0) {
         std::vector<char*> argv;
@@ -58,8 +55,7 @@ void RunHostsim(const std::vector<std::string>& args)
 
 class RootEnvironment : public ::testing::Environment {
 public:
-    void SetUp() override
-    {
+    void SetUp() override {
         std::string pattern = (fs::temp_directory_path() / "lanyx-welcome-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         RootState& shared = Shared();
@@ -70,8 +66,7 @@ public:
         shared.initial = HostSim::StateStore(shared.root).Read();
     }
 
-    void TearDown() override
-    {
+    void TearDown() override {
         std::error_code ignored;
         fs::remove_all(Shared().parent, ignored);
     }
@@ -81,13 +76,11 @@ const auto* const environment = ::testing::AddGlobalTestEnvironment(new RootEnvi
 
 } // namespace
 
-const std::string& Root()
-{
+const std::string& Root() {
     return Shared().root;
 }
 
-void ResetState(const std::function<void(nlohmann::json&)>& change)
-{
+void ResetState(const std::function<void(nlohmann::json&)>& change) {
     RootState& shared = Shared();
     HostSim::StateStore(shared.root).Update([&](nlohmann::json& state) {
         state = shared.initial;
@@ -98,23 +91,19 @@ void ResetState(const std::function<void(nlohmann::json&)>& change)
         shared.marks[record] = SizeOf(shared.root + record);
 }
 
-void ChangeState(const std::function<void(nlohmann::json&)>& change)
-{
+void ChangeState(const std::function<void(nlohmann::json&)>& change) {
     HostSim::StateStore(Root()).Update(change);
 }
 
-nlohmann::json State()
-{
+nlohmann::json State() {
     return HostSim::StateStore(Root()).Read();
 }
 
-void SetLibFault(const std::string& operation, const std::string& text)
-{
+void SetLibFault(const std::string& operation, const std::string& text) {
     ChangeState([&](nlohmann::json& state) { state["faults"]["lib"][operation] = text; });
 }
 
-std::vector<std::string> RecordLines(const std::string& hostPath)
-{
+std::vector<std::string> RecordLines(const std::string& hostPath) {
     std::ifstream file(Root() + hostPath, std::ios::binary);
     file.seekg(static_cast<std::streamoff>(Shared().marks[hostPath]));
     std::vector<std::string> lines;
@@ -123,8 +112,7 @@ std::vector<std::string> RecordLines(const std::string& hostPath)
     return lines;
 }
 
-std::vector<std::string> Matching(const std::string& hostPath, const std::string& text)
-{
+std::vector<std::string> Matching(const std::string& hostPath, const std::string& text) {
     std::vector<std::string> found;
     for (const std::string& line : RecordLines(hostPath)) {
         if (line.find(text) != std::string::npos)
