@@ -422,19 +422,10 @@ TEST_F(Spine, PidFileOfARunningInstanceIsKept)
     EXPECT_EQ(root.ReadFile(kPidFile), firstPid);
 }
 
-TEST_F(Spine, PidFileNamingAnotherLiveProcessIsKept)
-{
-    const std::string ours = std::to_string(getpid());
-    root.WriteFile(kPidFile, ours + "\n");
-    auto console = StartWelcome();
-    EXPECT_TRUE(root.WaitForLine(Record::Syslog, "Attempt to run multiple LANYX instances, not updating "));
-    EXPECT_EQ(root.ReadFile(kPidFile), ours + "\n");
-}
-
 TEST_F(Spine, StalePidFileIsOverwritten)
 {
-    for (const std::string& stale : {std::string("garbage"), std::string(""), std::string("0"), std::string("-7"),
-                                     std::to_string(DeadPid()), std::to_string(DeadPid()) + "\n"}) {
+    // The contents themselves are the unit tests' matter; here, the start that replaces them.
+    for (const std::string& stale : {std::string("garbage"), std::to_string(DeadPid()) + "\n"}) {
         SCOPED_TRACE("pid file holding \"" + stale + "\"");
         root.WriteFile(kPidFile, stale);
         auto console = StartWelcome();

@@ -370,44 +370,4 @@ TEST_F(Welcome, UnreadableWelcomeMessageEndsTheProgram)
     EXPECT_TRUE(root->WaitForLine(Record::Syslog, "LANYX aborted by exception: message store gone"));
 }
 
-// ---------------------------------------------------------------- the input loop under the welcome screen
-
-TEST_F(Welcome, ScreenDimsAfterAMinuteAndAKeyLightsIt)
-{
-    Use("default");
-    ConsoleOptions options = LanyxOptions(root->Path());
-    options.faketime = "+0 x100";
-    Console console(options);
-    ASSERT_TRUE(WaitUntilDrawn(console));
-    const auto cell = [&] { return console.CellAt(kVersionRow, kTextColumn); };
-    ASSERT_TRUE(console.WaitFor([&] { return cell().fg.IsIndex(6) && cell().bg.IsIndex(0); }, 10s, "dimmed"));
-    // Dimming drops keys typed while it happens, so keys are sent until one lights the screen.
-    ASSERT_TRUE(console.WaitFor(
-        [&] {
-            console.Send("x");
-            console.Pump(200ms);
-            return cell().bg.IsIndex(6);
-        },
-        10s, "lit again"));
-    EXPECT_TRUE(cell().fg.IsIndex(7)) << cell();
-    // The welcome screen has no idle limit: it only dims again.
-    ASSERT_TRUE(console.WaitFor([&] { return cell().bg.IsIndex(0); }, 10s, "dimmed again"));
-    EXPECT_TRUE(console.Running());
-}
-
-TEST_F(Welcome, ExitPathsEndWithStatusZero)
-{
-    for (int sig : {SIGUSR2, SIGTERM, SIGINT, SIGQUIT}) {
-        SCOPED_TRACE(sigabbrev_np(sig));
-        auto console = Start();
-        console->Signal(sig);
-        ASSERT_TRUE(console->ExitsWith(0));
-        EXPECT_FALSE(console->AltScreen());
-    }
-    auto console = Start();
-    console->Resize(30, 100);
-    ASSERT_TRUE(console->ExitsWith(0));
-    EXPECT_TRUE(root->WaitForLine(Record::Syslog, "Resized window to 100x30"));
-}
-
 } // namespace
