@@ -2,9 +2,11 @@
 
 #include "Screen.hpp"
 #include "text/InfoDialog.hpp"
-#include "text/InfoType.hpp"
+#include "text/Markup.hpp"
 #include "text/MessageDialog.hpp"
 #include "text/NotificationDialog.hpp"
+#include "text/PortGroupInfo.hpp"
+#include "text/TesselNicInfo.hpp"
 
 namespace Lanyx {
 namespace {
@@ -90,10 +92,27 @@ TEST_F(CommonDialogsTest, InfoDialogShowsItsBodyFromTheStart) {
     EXPECT_EQ(RowText(cells, 2, 6, 66), "Name: tnic0") << "the body survives the activation";
 }
 
-TEST(InfoTypeRow, FieldsAreCutToTheirColumns) {
-    EXPECT_EQ(ShortenField("nic123", 6, 3), "nic123");
-    EXPECT_EQ(ShortenField("nic1234", 6, 3), "nic...");
-    EXPECT_EQ(ShortenField("", 6, 3), "");
+// Header and rows must line up once laid out: a cut field keeps its column's width.
+TEST(InfoTypeRow, RowsLineUpUnderTheirHeaderAndDetailsKeepWholeFields) {
+    const std::string nic7 = "tnic123", group19 = "abcdefghijklmnopqrs";
+    TesselNicInfo nic{nic7, "00:50:56:01:02:03", "N/A", group19};
+    EXPECT_EQ(nic.GetRow(), "{align:padding:8}tni...{/align}{align:padding:19}00:50:56:01:02:03{/align}"
+                            "{align:padding:10}N/A{/align}{align:padding:20}abcdefghijklmno...{/align}");
+    EXPECT_EQ(nic.GetDetails(), "Name: tnic123\nMAC Address: 00:50:56:01:02:03\nPortset: N/A\nPortgroup: " + group19);
+    EXPECT_EQ(nic.GetDetailsHeading(), "Tessel NIC Name: tnic123");
+
+    PortGroupInfo whole{"abcdefghijklmnopqr", "switch-number1", 4294967295, 4095};
+    PortGroupInfo cut{group19, "switch-number12", 0, 0};
+    const TagSourceMap none;
+    const std::string header = Format(whole.GetColumnHeader(), 66, none);
+    const std::string wholeRow = Format("  " + whole.GetRow(), 66, none);
+    const std::string cutRow = Format("  " + cut.GetRow(), 66, none);
+    EXPECT_EQ(header, "  Portgroup Name      Virtual Switch  Active Clients  VLAN ID");
+    EXPECT_EQ(wholeRow, "  abcdefghijklmnopqr  switch-number1  4294967295      4095   ");
+    EXPECT_EQ(cutRow, "  abcdefghijklmno...  switch-numb...  0               0      ");
+    EXPECT_EQ(cut.GetDetails(), "Name: " + group19 + "\nVirtual Switch: switch-number12\nActive Clients: 0\nVLAN ID: 0");
+    EXPECT_EQ(std::string(whole.GetDetailsFooter()),
+              "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}  ");
 }
 
 } // namespace
