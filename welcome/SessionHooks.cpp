@@ -3,6 +3,7 @@
 #include "auth/LoginAccess.hpp"
 #include "auth/LoginDialog.hpp"
 #include "auth/LoginDisabledDialog.hpp"
+#include "system/GeneralWindow.hpp"
 
 namespace Lanyx {
 
@@ -15,7 +16,10 @@ SessionHooks DefaultSessionHooks()
             return std::make_unique<LoginDialog>(owner);
         return std::make_unique<LoginDisabledDialog>(owner);
     };
-    hooks.runSystemCustomization = [](Frame*) {};
+    hooks.runSystemCustomization = [](Frame* owner) {
+        GeneralWindow menu(owner);
+        menu.RunModal();
+    };
     hooks.runShutdown = [](Frame*) {};
     return hooks;
 }

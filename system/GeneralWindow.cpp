@@ -1,0 +1,474 @@
+#include "system/GeneralWindow.hpp"
+
+#include <cstdlib>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "auth/LoginAccess.hpp"
+#include "core/Globals.hpp"
+#include "core/Keys.hpp"
+#include "host/CommandRunner.hpp"
+#include "host/HostRoot.hpp"
+#include "keelson/Adv.hpp"
+#include "keelson/Lib.hpp"
+#include "keelson/Network.hpp"
+#include "keelson/System.hpp"
+#include "restore/switches/Switches.hpp"
+#include "system/Pager.hpp"
+#include "system/SupportPages.hpp"
+#include "text/LabelItem.hpp"
+#include "text/MessageDialog.hpp"
+
+namespace Lanyx {
+
+namespace {
+
+using Keelson::Lib::KeelsonException;
+
+enum Entry : uint32_t {
+    Blank = 3,
+    MenuTitle = 4,
+    Password = 5,
+    Lockdown = 6,
+    ConfigureNetwork = 7,
+    RestartNetwork = 8,
+    TestNetwork = 9,
+    NetworkRestore = 10,
+    SupportInformation = 11,
+    SystemLogs = 12,
+    Troubleshooting = 13,
+    ResetConfiguration = 14,
+    Keyboard = 15,
+};
+
+enum Text : uint32_t {
+    RestartNetworkError = 16,
+    InterfaceNotFound = 19,
+    InterfaceOperationFailed = 20,
+    PasswordHelp = 21,
+    LockdownHelp = 22,
+    NetworkHelp = 23,
+    RestartHelp = 24,
+    TestHelp = 25,
+    RestoreHelp = 26,
+    LogsHelp = 27,
+    TroubleshootingHelp = 28,
+    ResetHelp = 29,
+    DhcpIdentity = 31,
+    KeyboardHelp = 32,
+    DefaultPasswordWarning = 33,
+    Unknown = 34,
+    Ipv4Heading = 35,
+    Ipv6Heading = 36,
+    HostnameHeading = 40,
+    SetWord = 117,
+    NotSetText = 118,
+    EnabledText = 119,
+    DisabledText = 120,
+};
+
+constexpr const char* kListFooter = "{color:black}<Up/Down>{/color}{color:dark-grey} Select{/color}";
+constexpr const char* kMoreFooter = "{color:white}<Enter>{/color}{color:light-grey} More{/color}{align:right}"
+                                    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kChangeFooter = "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}"
+                                      "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+// The lockdown entry's own form: its <Enter> is never closed.
+constexpr const char* kChangeFooter2 = "{color:white}<Enter>{color:light-grey} Change{/color}{align:right}"
+                                       "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kRestartFooter = "{color:white}<Enter>{/color} {color:light-grey}Restart{align:right}"
+                                       "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kRunTestFooter = "{color:white}<Enter>{/color}{color:light-grey} Run Test{/color}{align:right}"
+                                       "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kResetFooter = "{color:white}<Enter>{/color}{color:light-grey} Reset{/color}{align:right}"
+                                     "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kLogOutFooter =
+    "{align:right}{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+
+struct LogFile {
+    const char* label;
+    const char* path;
+};
+
+constexpr std::array<LogFile, 6> kLogFiles = {{
+    {"Syslog", "/var/log/syslog.log"},
+    {"Tessel", "/var/log/tessel.log"},
+    {"Config", "/var/log/sysboot.log"},
+    {"Management Agent (helmd)", "/var/log/helmd.log"},
+    {"High Availibility Agent (cairnd)", "/var/log/cairnd.log"},
+    {"Zephora Ostra Observation log (notad)", "/var/log/notad.log"},
+}};
+
+constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
+
+// The interface objects of this host library carry no enabled flag of their own. A management
+// interface counts as up when it exists and a physical adapter is there to carry it: without
+// one, nothing configured on it can reach the network.
+bool ManagementInterfaceUp()
+{
+    try {
+        if (!FindManagementInterface())
+            return false;
+        return !TesselCtl::Network::NetworkInfoImpl().GetPnics(0).empty();
+    } catch (const KeelsonException&) {
+        return false;
+    }
+}
+
+// The IPv6 block of the network summary, with its blank line behind it; empty when IPv6 is off.
+std::string Ipv6Summary(StringFactory& strings)
+{
+    std::string text = std::string(strings.GetString(Ipv6Heading)) + ":\n";
+    try {
+        if (!TesselCtl::Network::NetworkInfoImpl().IsTesselIpv6Enabled())
+            return "";
+        std::vector<Keelson::Network::Ipv6Network> networks;
+        if (const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface())
+            networks = nic->GetIpConfig().GetIpv6Network();
+        if (networks.empty()) {
+            text += std::string(strings.GetString(NotSetText)) + "\n";
+        } else {
+            // Three fit; of more, two and a mark that there are others.
+            const size_t shown = networks.size() <= 3 ? networks.size() : 2;
+            for (size_t i = 0; i < shown; ++i)
+                text += networks[i].GetStringAddress() + "\n";
+            if (shown < networks.size())
+                text += "...\n";
+        }
+    } catch (const KeelsonException&) {
+        text = std::string(strings.GetString(Ipv6Heading)) + ":\n" + strings.GetString(Unknown) + "\n";
+    }
+    return text + "\n";
+}
+
+} // namespace
+
+GeneralWindow::GeneralWindow(Frame* owner) : RootWindow(owner)
+{
+    bool lockdownChangeable = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
+    if (!lockdownChangeable)
+        lockdownChangeable = HelmqQueryBool("helmsvc/auth/lockdown_is_possible");
+    const bool managementUp = ManagementInterfaceUp();
+    const bool pxeBoot = TesselCtl::Adv::UserAdvancedOptionImpl::HasUserOption("PXEBootEnabled");
+
+    AddEntry(Password, true);
+    AddEntry(Lockdown, lockdownChangeable);
+    AddEntry(Blank, false);
+    AddEntry(ConfigureNetwork, managementUp);
+    AddEntry(RestartNetwork, managementUp);
+    AddEntry(TestNetwork, managementUp);
+    AddEntry(NetworkRestore, true);
+    AddEntry(Blank, false);
+    if (consoleMode)
+        AddEntry(Keyboard, true);
+    AddEntry(Troubleshooting, true);
+    AddEntry(Blank, false);
+    AddEntry(SystemLogs, true);
+    AddEntry(Blank, false);
+    AddEntry(SupportInformation, true);
+    AddEntry(Blank, false);
+    AddEntry(ResetConfiguration, !pxeBoot);
+
+    std::vector<Item*> labels;
+    for (const std::unique_ptr<Item>& item : menuItems)
+        labels.push_back(item.get());
+    itemList->SetItems(labels);
+
+    if (!lockdownChangeable)
+        DisableEntry(Lockdown);
+    if (!managementUp) {
+        DisableEntry(ConfigureNetwork);
+        DisableEntry(RestartNetwork);
+        DisableEntry(TestNetwork);
+    }
+    if (pxeBoot)
+        DisableEntry(ResetConfiguration);
+
+    lockdownEnabled = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
+    supportPages = ReadSupportPages(HostPath("/etc/zephora/support"));
+    supportPage = 0;
+}
+
+GeneralWindow::~GeneralWindow() = default;
+
+void GeneralWindow::AddEntry(uint32_t id, bool selectable)
+{
+    menuItems.push_back(std::make_unique<LabelItem>(strings ? strings->GetString(id) : "", selectable));
+    entryIds.push_back(id);
+}
+
+void GeneralWindow::DisableEntry(uint32_t id)
+{
+    for (size_t i = 0; i < entryIds.size(); ++i) {
+        if (entryIds[i] != id)
+            continue;
+        if (auto* label = dynamic_cast<LabelItem*>(menuItems[i].get()))
+            label->SetText("{color:dark-grey}" + std::string(strings ? strings->GetString(id) : "") + "{/color}");
+    }
+}
+
+uint32_t GeneralWindow::GetSelectedEntry() const
+{
+    const size_t index = static_cast<size_t>(itemList->GetTopIndex()) + itemList->GetSelectedRow();
+    return index < entryIds.size() ? entryIds[index] : Blank;
+}
+
+void GeneralWindow::Reload()
+{
+    ShowSelectedEntry();
+}
+
+void GeneralWindow::UpdateContent()
+{
+    SetLeftTitle(strings ? strings->GetString(MenuTitle) : "");
+    SetLeftFooter(kListFooter);
+    itemList->Draw();
+    ShowSelectedEntry();
+}
+
+void GeneralWindow::ShowSelectedEntry()
+{
+    if (!strings)
+        return;
+    StringFactory& text = *strings;
+    detailText->SetText("");
+    const uint32_t id = GetSelectedEntry();
+    std::string body;
+    const char* footer = kMoreFooter;
+    switch (id) {
+    case Password:
+        body = std::string("{color:white}") + text.GetString(passwordIsEmpty ? NotSetText : SetWord) +
+               "{/color}\n\n" + text.GetString(PasswordHelp);
+        footer = kChangeFooter;
+        break;
+    case Lockdown:
+        body = std::string("{color:white}") + text.GetString(lockdownEnabled ? EnabledText : DisabledText) +
+               "{/color}\n\n" + text.GetString(LockdownHelp);
+        footer = kChangeFooter2;
+        break;
+    case ConfigureNetwork:
+        body = ManagementSummary();
+        break;
+    case RestartNetwork:
+        body = text.GetString(RestartHelp);
+        footer = kRestartFooter;
+        break;
+    case TestNetwork:
+        body = text.GetString(TestHelp);
+        footer = kRunTestFooter;
+        break;
+    case NetworkRestore:
+        body = text.GetString(RestoreHelp);
+        footer = kRestartFooter;
+        break;
+    case SupportInformation:
+        body = SupportText();
+        footer = kLogOutFooter;
+        break;
+    case SystemLogs:
+        body = LogTable();
+        footer = kLogOutFooter;
+        break;
+    case Troubleshooting:
+        body = text.GetString(TroubleshootingHelp);
+        break;
+    case ResetConfiguration:
+        body = text.GetString(ResetHelp);
+        footer = kResetFooter;
+        break;
+    case Keyboard:
+        body = "{color:white}" + TesselCtl::System::SystemInfoImpl().GetKeyboardLayout() + "{/color}\n\n" +
+               "{color:light-grey}" + text.GetString(KeyboardHelp) + "{/color}";
+        break;
+    default:
+        footer = "";
+        break;
+    }
+    SetRightTitle(text.GetString(id));
+    detailText->SetText(body);
+    SetRightFooter(footer);
+    // The list's rows reach down to the footer line and a list redraw blanks it, so the footer
+    // is written again with every pane.
+    SetLeftFooter(passwordIsEmpty ? text.GetString(DefaultPasswordWarning) : kListFooter);
+}
+
+std::string GeneralWindow::ManagementSummary()
+{
+    StringFactory& text = *strings;
+    std::string hostname;
+    std::string address = "0.0.0.0";
+    bool useDhcp = false;
+    uint32_t dhcpServer = 0;
+    std::string dhcpServerText;
+    try {
+        hostname = dnsConfig.GetHostname();
+        if (const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface()) {
+            const Keelson::Network::IpConfig configured = nic->GetConfiguredIpConfig();
+            useDhcp = configured.GetUseDhcp();
+            if (configured.GetIpv4UseNone())
+                address = text.GetString(NotSetText);
+            else
+                address = nic->GetIpConfig().GetIpv4Address().GetStringAddress();
+            if (auto* tesselNic = dynamic_cast<Keelson::Network::TesselNic*>(nic.get())) {
+                const Keelson::Network::Ipv4Address server = tesselNic->GetDhcpServer();
+                dhcpServer = server.GetBinaryAddress();
+                dhcpServerText = server.GetStringAddress();
+            }
+        }
+    } catch (const KeelsonException&) {
+        hostname = address = text.GetString(Unknown);
+        useDhcp = false;
+    }
+
+    std::string summary = std::string("{color:white}") + text.GetString(HostnameHeading) + ":\n" + hostname +
+                          "\n\n" + text.GetString(Ipv4Heading) + ":\n" + address + "\n\n";
+    if (useDhcp && dhcpServer != 0)
+        summary += std::string(text.GetString(DhcpIdentity)) + " " + dhcpServerText + "\n\n";
+    summary += Ipv6Summary(text);
+    // Left open: the rest of the pane is this text.
+    summary += std::string("{color:light-grey}") + text.GetString(NetworkHelp);
+    return summary;
+}
+
+std::string GeneralWindow::SupportText() const
+{
+    if (supportPages.empty())
+        return "";
+    const bool earlier = supportPage > 0;
+    const bool later = supportPage + 1 < supportPages.size();
+    std::string line = earlier ? "{color:white}" : "{color:light-grey}";
+    line += "<Page Up>       {/color}";
+    line += "{color:white}" + std::to_string(supportPage + 1) + "/" + std::to_string(supportPages.size()) +
+            "{/color}";
+    line += later ? "{color:white}" : "{color:light-grey}";
+    line += "     <Page Down>{/color}";
+    return line + "\n" + supportPages[supportPage];
+}
+
+std::string GeneralWindow::LogTable()
+{
+    std::string table;
+    int number = 0;
+    for (size_t row = 0; row < kLogFiles.size(); ++row) {
+        struct stat info;
+        logPresent[row] = ::stat(HostPath(kLogFiles[row].path).c_str(), &info) == 0;
+        if (!logPresent[row])
+            continue;
+        table += "{color:white}<" + std::to_string(++number) + "> {color:light-grey}" + kLogFiles[row].label +
+                 "{/color}\n";
+    }
+    return table + "\n" + (strings ? strings->GetString(LogsHelp) : "");
+}
+
+bool GeneralWindow::Execute()
+{
+    Draw();
+    for (;;) {
+        const int key = ReadKey(true);
+        const uint32_t selected = GetSelectedEntry();
+        switch (key) {
+        case Keys::Down:
+        case Keys::Up:
+            if (selected == SupportInformation)
+                supportPage = 0;
+            if (key == Keys::Down)
+                itemList->SelectNext();
+            else
+                itemList->SelectPrevious();
+            ShowSelectedEntry();
+            break;
+        case Keys::PageDown:
+            if (selected == SupportInformation && supportPage + 1 < supportPages.size()) {
+                ++supportPage;
+                ShowSelectedEntry();
+            }
+            break;
+        case Keys::PageUp:
+            if (selected == SupportInformation && supportPage > 0) {
+                --supportPage;
+                ShowSelectedEntry();
+            }
+            break;
+        case Keys::Escape:
+            return true;
+        case Keys::Enter:
+            RunEntry(selected);
+            break;
+        default:
+            if (key >= '1' && key <= '9' && selected == SystemLogs)
+                ViewLog(key - '0');
+            break;
+        }
+    }
+}
+
+void GeneralWindow::RunEntry(uint32_t id)
+{
+    // Screens not built yet are left out; each plugs in at its entry and redraws afterwards.
+    switch (id) {
+    case RestartNetwork:
+        try {
+            if (!FindManagementInterface()) {
+                MessageDialog(this, RestartNetworkError, InterfaceNotFound).RunModal();
+            }
+            // The restart dialog for a found interface runs here.
+        } catch (const KeelsonException&) {
+            MessageDialog(this, RestartNetworkError, InterfaceOperationFailed).RunModal();
+        }
+        Draw();
+        break;
+    case Password:           // change password dialog
+    case Lockdown:           // lockdown dialog; refreshes lockdownEnabled when it changed the mode
+    case ConfigureNetwork:   // network window
+    case TestNetwork:        // network test dialog
+    case NetworkRestore:     // network restore window
+    case Troubleshooting:    // troubleshooting window
+    case ResetConfiguration: // reset dialog
+    case Keyboard:           // keyboard layout dialog
+    default:
+        break;
+    }
+}
+
+void GeneralWindow::ViewLog(int number)
+{
+    int shown = 0;
+    const LogFile* log = nullptr;
+    for (size_t row = 0; row < kLogFiles.size() && !log; ++row) {
+        if (logPresent[row] && ++shown == number)
+            log = &kLogFiles[row];
+    }
+    if (!log)
+        return;
+
+    // The pager owns the terminal until it ends; the console's modes come back afterwards.
+    termios consoleModes{};
+    ::tcgetattr(1, &consoleModes);
+    ::tcsetattr(1, TCSANOW, &savedTermios);
+    clear();
+    refresh();
+    activeFrame = nullptr;
+
+    const char* kept = std::getenv("LESSSECURE");
+    const std::string keptValue = kept ? kept : "";
+    ::setenv("LESSSECURE", "1", 1);
+    const std::string pager = HostPath("/bin/less");
+    const std::string file = HostPath(log->path);
+    const char* const argv[] = {"less", "-cfP", kPagerPrompt, file.c_str(), nullptr};
+    const pid_t pid = StartOnTerminal(pager.c_str(), argv);
+    if (pid > 0)
+        WaitForChild(pid);
+    ::setenv("LESSSECURE", keptValue.c_str(), 1);
+
+    ::tcsetattr(1, TCSANOW, &consoleModes);
+    ::tcsetpgrp(1, ::getpgid(0));
+    keypad(stdscr, false);
+    keypad(stdscr, true);
+    SetActive(false);
+    SetActive(true);
+    activeFrame = this;
+    clearok(curscr, true);
+    Update();
+}
+
+} // namespace Lanyx
