@@ -7,47 +7,32 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
 namespace HostTest {
 namespace {
-
-std::string& RootStorage()
-{
-    static std::string root;
-    return root;
-}
-
+std::string root;
 } // namespace
 
-const std::string& Root()
-{
-    return RootStorage();
-}
+const std::string& Root() { return root; }
 
-std::string Under(const std::string& hostPath)
-{
-    return Root() + hostPath;
-}
+std::string Under(const std::string& hostPath) { return root + hostPath; }
 
 void WriteFile(const std::string& hostPath, const std::string& text)
 {
     const fs::path path = Under(hostPath);
     fs::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << text;
-    if (!file.flush())
+    if (!(file << text).flush())
         throw std::runtime_error("cannot write " + path.string());
 }
 
 void WriteScript(const std::string& hostPath, const std::string& body)
 {
     WriteFile(hostPath, "#!/bin/sh\n" + body + "\n");
-    fs::permissions(Under(hostPath), fs::perms::owner_all | fs::perms::group_read |
-                                         fs::perms::group_exec | fs::perms::others_read |
-                                         fs::perms::others_exec);
+    fs::permissions(Under(hostPath), fs::perms::owner_all | fs::perms::group_exec |
+                                         fs::perms::others_exec, fs::perm_options::add);
 }
 
 std::string ReadFile(const std::string& hostPath)
@@ -68,19 +53,15 @@ LogMark::LogMark() : offset_(ReadFile("/var/log/syslog.log").size()) {}
 
 std::vector<std::string> LogMark::Lines() const
 {
-    const std::string all = ReadFile("/var/log/syslog.log");
     std::vector<std::string> lines;
-    std::istringstream rest(all.size() > offset_ ? all.substr(offset_) : std::string());
+    std::istringstream rest(ReadFile("/var/log/syslog.log").substr(offset_));
     for (std::string line; std::getline(rest, line);) {
         // "<stamp> <facility>.<level> <ident>[<pid>]: <message>"
-        const auto levelStart = line.find(' ');
-        const auto identStart = line.find(' ', levelStart + 1);
-        const auto message = line.find("]: ", identStart);
-        if (levelStart == std::string::npos || identStart == std::string::npos ||
-            message == std::string::npos)
-            continue;
-        lines.push_back(line.substr(levelStart + 1, identStart - levelStart - 1) + " " +
-                        line.substr(message + 3));
+        const auto level = line.find(' ') + 1;
+        const auto ident = line.find(' ', level);
+        const auto message = line.find("]: ", ident);
+        if (level != 0 && ident != std::string::npos && message != std::string::npos)
+            lines.push_back(line.substr(level, ident - level) + " " + line.substr(message + 3));
     }
     return lines;
 }
@@ -95,18 +76,15 @@ int main(int argc, char** argv)
         std::perror("mkdtemp");
         return 1;
     }
-    HostTest::RootStorage() = pattern;
+    HostTest::root = pattern;
     ::setenv("LANYX_HOST_ROOT", pattern.c_str(), 1);
-    fs::create_directories(pattern + "/var/log");
-    fs::create_directories(pattern + "/tmp");
-    // Like the host's shell: its own bin folders first, then the machine's plain utilities; and
-    // like it, a shell that knows "let".
+    for (const char* folder : {"/var/log", "/tmp"})
+        fs::create_directories(pattern + folder);
+    // Like the host's shell: its own bin folders first, then the machine's; and one that knows "let".
     HostTest::WriteScript("/bin/sh", "PATH=" + pattern + "/bin:/usr/bin:/bin\nexport PATH\n"
                                      "exec /bin/bash \"$@\"");
-
     ::testing::InitGoogleTest(&argc, argv);
     const int result = RUN_ALL_TESTS();
-
     std::error_code ignored;
     fs::remove_all(pattern, ignored);
     return result;
