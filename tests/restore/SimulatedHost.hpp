@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -17,7 +16,8 @@ namespace Lanyx::Testing {
 
 class SimulatedHost : public ::testing::Test {
 protected:
-    void TearDown() override
+    void TearDown() override { Remove(); }
+    void Remove()
     {
         if (!base.empty()) std::filesystem::remove_all(base);
     }
@@ -25,7 +25,7 @@ protected:
     // A test may make several hosts one after the other; each replaces the one before.
     void Create(const std::string& profile = "default")
     {
-        if (!base.empty()) std::filesystem::remove_all(base);
+        Remove();
         char pattern[] = "/tmp/lanyx-restore-XXXXXX";
         ASSERT_NE(mkdtemp(pattern), nullptr);
         base = pattern;
@@ -49,12 +49,8 @@ protected:
     {
         std::vector<std::string> messages;
         std::ifstream in(root + "/var/log/syslog.log");
-        std::string line;
-        while (std::getline(in, line)) {
-            if (line.find(" user.err ") == std::string::npos) continue;
-            const size_t colon = line.find("]: ");
-            messages.push_back(colon == std::string::npos ? line : line.substr(colon + 3));
-        }
+        for (std::string line; std::getline(in, line);)
+            if (line.find(" user.err ") != std::string::npos) messages.push_back(line.substr(line.find("]: ") + 3));
         return messages;
     }
 
