@@ -12,12 +12,10 @@ namespace HostSimTest {
 
 class TempRoot {
 public:
-    TempRoot() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "hostsim-test-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-        path_ = pattern;
-        std::filesystem::create_directories(path_ + "/var/lib/hostsim");
-        std::filesystem::create_directories(path_ + "/var/log");
+    TempRoot() : path_((std::filesystem::temp_directory_path() / "hostsim-test-XXXXXX").string()) {
+        if (::mkdtemp(path_.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+        for (const char* folder : {"/var/lib/hostsim", "/var/log"})
+            std::filesystem::create_directories(path_ + folder);
         ::setenv("LANYX_HOST_ROOT", path_.c_str(), 1);
     }
     TempRoot(const TempRoot&) = delete;
