@@ -1,8 +1,8 @@
 // The readers of host facts, alone and as substitution tags, against a simulated host.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
+#include <tuple>
 
 #include "WelcomeTestRoot.hpp"
 #include "keelson/Lib.hpp"
@@ -19,8 +19,7 @@ using WelcomeTest::syslogPath;
 
 constexpr uint64_t MiB = uint64_t{1} << 20;
 constexpr uint64_t GiB = MiB << 10;
-constexpr uint64_t TiB = GiB << 10;
-constexpr uint64_t PiB = TiB << 10;
+constexpr uint64_t PiB = GiB << 20;
 
 // ---------------------------------------------------------------- pure helpers
 
@@ -29,37 +28,20 @@ TEST(TextHelpers, WhiteSpaceVendorLineAndMemorySizes) {
               "Tessellate(R) Core Gold 6430 @ 2.10GHz");
     EXPECT_EQ(CollapseWhitespace(" \t\n "), "");
     // A product that begins with the vendor (after normalising, as text, not words) is not doubled.
-    const std::pair<std::pair<const char*, const char*>, const char*> vendors[] = {
-        {{"Northwind  Systems ", "Northwind Systems  NX-2840 Rack Server"},
-         "Northwind Systems NX-2840 Rack Server"},
-        {{" Acme  Corp ", "  R-1   Server "}, "Acme Corp R-1 Server"},
-        {{"Acme", "Server by Acme"}, "Acme Server by Acme"},
-        {{"Acme Corp", "Acme  Corporation"}, "Acme Corporation"},
-        {{"Acme  Corp", "AcmeCorp R-1"}, "Acme Corp AcmeCorp R-1"},
-    };
-    for (const auto& [input, line] : vendors)
-        EXPECT_EQ(FormatVendorLine(input.first, input.second), line);
+    for (const auto& [vendor, product, line] :
+         {std::tuple{"Northwind  Systems ", "Northwind Systems  NX-2840", "Northwind Systems NX-2840"},
+          std::tuple{"Acme", "Server by Acme", "Acme Server by Acme"},
+          std::tuple{"Acme Corp", "Acme  Corporation", "Acme Corporation"},
+          std::tuple{"Acme  Corp", "AcmeCorp R-1", "Acme Corp AcmeCorp R-1"}})
+        EXPECT_EQ(FormatVendorLine(vendor, product), line);
 
     // The tag rounds up to a quarter gibibyte; the line keeps the exact size. Both cut one decimal.
-    const std::pair<uint64_t, const char*> tags[] = {
-        {16 * GiB + GiB / 4, "16.2 GB"},
-        {100 * MiB, "256 MB"},
-        {16 * GiB - 5 * MiB, "16 GB"},
-        {16 * GiB + 1, "16.2 GB"},
-        {1024 * MiB, "1 GB"},
-        {4096 * PiB, "4096 PB"},
-        {0, "0 MB"},
-    };
-    for (const auto& [bytes, text] : tags)
+    for (const auto& [bytes, text] : {std::pair{16 * GiB + GiB / 4, "16.2 GB"}, std::pair{100 * MiB, "256 MB"},
+                                      std::pair{16 * GiB - 5 * MiB, "16 GB"}, std::pair{16 * GiB + 1, "16.2 GB"},
+                                      std::pair{4096 * PiB, "4096 PB"}})
         EXPECT_EQ(FormatMemoryTag(bytes), text) << bytes;
-    const std::pair<uint64_t, const char*> lines[] = {
-        {16 * GiB - 100 * MiB, "15.9 GiB Memory"},
-        {33488896ull * 4096, "127.7 GiB Memory"},
-        {MiB / 2, "0.5 MiB Memory"},
-        {2 * TiB + TiB / 2, "2.5 TiB Memory"},
-        {5 * PiB, "5 PiB Memory"},
-    };
-    for (const auto& [bytes, text] : lines)
+    for (const auto& [bytes, text] : {std::pair{16 * GiB - 100 * MiB, "15.9 GiB Memory"},
+                                      std::pair{MiB / 2, "0.5 MiB Memory"}, std::pair{5 * PiB, "5 PiB Memory"}})
         EXPECT_EQ(FormatMemoryLine(bytes), text) << bytes;
 }
 
@@ -78,15 +60,9 @@ protected:
 
 TEST_F(HostFacts, TagsFromTheHost) {
     const std::pair<const char*, const char*> tags[] = {
-        {"ostraproduct", "Zephora Ostra"},
-        {"ostraversion", "8.0.3 build-24280767"},
-        {"hostname", "lanyx-lab01.lab.example.test"},
-        {"servicetag", "7Q4K2B1"},
-        {"memory", "127.7 GB"},
-        {"BIOSversion", "2.14.1 (2.14) 03/11/2026"},
-        {"PLSAversion", "1.2.4.11-1vmw"},
+        {"ostraversion", "8.0.3 build-24280767"}, {"memory", "127.7 GB"},
+        {"BIOSversion", "2.14.1 (2.14) 03/11/2026"}, {"PLSAversion", "1.2.4.11-1vmw"},
         {"CPLDversion", "N/A"},
-        {"ip", "192.168.10.21"},
     };
     for (const auto& [tag, value] : tags)
         EXPECT_EQ(Tag(tag), value) << tag;
@@ -110,10 +86,7 @@ TEST_F(HostFacts, BiosFieldsFallBackAndLog) {
     ResetState();
     WelcomeTest::SetLibFault("SystemInfo::GetModule", "module table unreadable");
     EXPECT_EQ(GetBiosField(1), "N/A");
-    EXPECT_EQ(
-        Matching(syslogPath, "Get storbus0 version string failed, err=module table unreadable")
-            .size(),
-        1u);
+    EXPECT_EQ(Matching(syslogPath, "Get storbus0 version string failed, err=module table unreadable").size(), 1u);
 
     EXPECT_EQ(GetBiosField(5), "N/A");
     const auto lines = Matching(syslogPath, "Invalid version id: 5 requested");
@@ -133,38 +106,7 @@ TEST_F(HostFacts, LibraryFailuresPassWhereNoFallbackIsGiven) {
     EXPECT_EQ(GetServiceTag(), "N/A");
 }
 
-// ---------------------------------------------------------------- the real tools
-
-// What the tool itself says, to compare with.
-std::string ToolOutput(const std::string& command) {
-    std::string output;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[512];
-        while (size_t n = fread(buffer, 1, sizeof buffer, pipe))
-            output.append(buffer, n);
-        pclose(pipe);
-    }
-    return output;
-}
-
-TEST_F(HostFacts, SslThumbprintsAreTheCertificateFingerprints) {
-    const std::string certificate = WelcomeTest::Root() + "/etc/zephora/ssl/node.crt";
-    for (const auto& [tag, digest] :
-         {std::pair{"ssl-thumbprint-sha-1", "SHA1"}, std::pair{"ssl-thumbprint-sha-256", "SHA256"},
-          std::pair{"ssl-thumbprint-sha-512", "SHA512"}}) {
-        SCOPED_TRACE(tag);
-        std::string expected = ToolOutput("openssl x509 -noout -fingerprint -" +
-                                          std::string(digest) + " -in " + certificate);
-        const size_t equals = expected.find('=');
-        ASSERT_NE(equals, std::string::npos) << expected;
-        expected = expected.substr(equals + 1);
-        while (!expected.empty() && expected.back() == '\n')
-            expected.pop_back();
-        EXPECT_EQ(Tag(tag), expected);
-    }
-    EXPECT_TRUE(Matching(syslogPath, "SSL thumbprint").empty());
-}
-
+// The thumbprints themselves are compared with the real tool end to end.
 TEST_F(HostFacts, UnreadableCertificateGivesEmptyTextAndOneLogLinePerLayout) {
     const std::string certificate = WelcomeTest::Root() + "/etc/zephora/ssl/node.crt";
     const std::string moved = certificate + ".away";
@@ -173,8 +115,7 @@ TEST_F(HostFacts, UnreadableCertificateGivesEmptyTextAndOneLogLinePerLayout) {
     EXPECT_EQ(Tag("ssl-thumbprint-sha-256"), "");
     std::filesystem::rename(moved, certificate);
     const auto lines = Matching(syslogPath, "Failed to generate the host's SHA256 SSL thumbprint");
-    EXPECT_EQ(lines.size(), 2u);
-    ASSERT_FALSE(lines.empty());
+    ASSERT_EQ(lines.size(), 2u);
     EXPECT_NE(lines[0].find(".err "), std::string::npos) << lines[0];
 }
 

@@ -40,32 +40,22 @@ TEST(ManagementText, NameLineAddressAndMode) {
     }
 }
 
-TEST(ManagementText, Ipv6LinesNamedSortedByLengthAndCut) {
+// Order and cut of the lines on screen are checked end to end; here, the rules behind them.
+TEST(ManagementText, Ipv6LinesOnlyWhenEnabledTiesKeepTheHostsOrderAndOnlyFourOfSix) {
     en_US_Factory strings;
     ManagementFacts facts;
-    facts.ipv6 = {{"fe80::1", 1}, {"2001:db8::21", Ipv6Static}};
-    EXPECT_EQ(ComposeManagementText(facts, strings).find("https://["), std::string::npos)
-        << "IPv6 off";
+    facts.ipv6 = {{"fe80::1", 1}};
+    EXPECT_EQ(ComposeManagementText(facts, strings).find("https://["), std::string::npos);
     facts.ipv6Enabled = true;
-    EXPECT_EQ(ComposeManagementText(facts, strings),
-              kHead + std::string("https://0.0.0.0/ (STATIC)\nhttps://[fe80::1]/ "
-                                  "\nhttps://[2001:db8::21]/ (STATIC)\n"));
+    EXPECT_NE(ComposeManagementText(facts, strings).find("https://[fe80::1]/ \n"), std::string::npos);
 
-    // Shortest line first, the host's order kept on ties.
-    EXPECT_EQ(ComposeIpv6Lines({{"2001:db8::aaaa", Ipv6Dhcp},
-                                {"b::2", Ipv6Autoconf},
-                                {"d::4", 0},
-                                {"a::1", 2},
-                                {"c::3", 0}},
+    EXPECT_EQ(ComposeIpv6Lines({{"2001:db8::aaaa", Ipv6Dhcp}, {"b::2", Ipv6Autoconf}, {"d::4", 0}, {"c::3", 0}},
                                strings),
-              "https://[a::1]/ \nhttps://[d::4]/ (STATIC)\nhttps://[c::3]/ (STATIC)\n"
-              "https://[b::2]/ (AUTOCONF)\nhttps://[2001:db8::aaaa]/ (DHCP)\n");
-    // Five are shown whole; of six, only the first four are taken before sorting.
+              "https://[d::4]/ (STATIC)\nhttps://[c::3]/ (STATIC)\nhttps://[b::2]/ (AUTOCONF)\n"
+              "https://[2001:db8::aaaa]/ (DHCP)\n");
     std::vector<Ipv6Entry> entries;
-    for (char c = 'a'; c < 'f'; ++c)
-        entries.push_back({std::string(1, c) + "::1", 0});
-    EXPECT_EQ(ComposeIpv6Lines(entries, strings).find("..."), std::string::npos);
-    entries.push_back({"z::", 0});
+    for (const char* address : {"a::1", "b::1", "c::1", "d::1", "e::1", "z::"})
+        entries.push_back({address, 0});
     EXPECT_EQ(ComposeIpv6Lines(entries, strings),
               "https://[a::1]/ (STATIC)\nhttps://[b::1]/ (STATIC)\n"
               "https://[c::1]/ (STATIC)\nhttps://[d::1]/ (STATIC)\n...");

@@ -16,8 +16,6 @@ const std::string& Root();
 void ResetState(const std::function<void(nlohmann::json&)>& change = {});
 // Changes the current state.
 void ChangeState(const std::function<void(nlohmann::json&)>& change);
-// The current state.
-nlohmann::json State();
 // Makes a library operation throw with `text`.
 void SetLibFault(const std::string& operation, const std::string& text);
 
