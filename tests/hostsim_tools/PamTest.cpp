@@ -129,11 +129,9 @@ TEST_F(PamTest, PasswordChangeRefusesMismatchWeakPasswordsAndAWrongOldOne) {
     EXPECT_TRUE(mismatch.sawError);
     EXPECT_EQ(mismatch.prompts, Strings({"Password: ", "New password: ", "Retype new password: "}));
 
-    for (const std::string weak : {"Sh0rt-x", "lowerUPPER"}) { // too short, two classes
-        Conversation conversation;
-        EXPECT_EQ(Login("root", {"lanyx-Root1", weak, weak}, conversation, 0), PAM_AUTHTOK_ERR) << weak;
-        EXPECT_TRUE(conversation.sawError) << weak;
-    }
+    Conversation weak; // two classes only
+    EXPECT_EQ(Login("root", {"lanyx-Root1", "lowerUPPER", "lowerUPPER"}, weak, 0), PAM_AUTHTOK_ERR);
+    EXPECT_TRUE(weak.sawError);
     Conversation wrongOld;
     EXPECT_EQ(Login("root", {"not-it", "Better-Pass2", "Better-Pass2"}, wrongOld), PAM_AUTH_ERR);
     EXPECT_EQ(Account("root"), before);
