@@ -202,12 +202,16 @@ void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, l
 
 // Child side, between fork and exec: only async-signal-safe calls.
 [[noreturn]] void StartChild(const char* path, const char* const argv[], const char* const envp[],
-                             int stdinRead, int stdoutWrite, int stderrWrite, int reportFd,
-                             int maxFd)
+                             const int childFds[3], int reportFd, int maxFd)
 {
+    // The console routes its signals through a thread and keeps them blocked elsewhere; a child
+    // must not inherit that.
+    sigset_t none;
+    sigemptyset(&none);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
     // Lift the three ends clear of 0..2 first, so that no dup2 overwrites another end.
-    const int ends[3] = {::fcntl(stdinRead, F_DUPFD, 3), ::fcntl(stdoutWrite, F_DUPFD, 3),
-                         ::fcntl(stderrWrite, F_DUPFD, 3)};
+    const int ends[3] = {::fcntl(childFds[0], F_DUPFD, 3), ::fcntl(childFds[1], F_DUPFD, 3),
+                         ::fcntl(childFds[2], F_DUPFD, 3)};
     for (int target = 0; target < 3; ++target) {
         if (ends[target] < 0 || ::dup2(ends[target], target) != target) {
             const int error = errno;
@@ -255,6 +259,38 @@ std::string JoinVector(const char* const argv[])
 
 } // namespace
 
+pid_t TesselForkExec(const char* path, const char* const argv[], const char* const envp[], const int childFds[3])
+{
+    // The report pipe stays silent and closes at a successful exec; a number in it is the errno
+    // of a start that failed.
+    Pipe report;
+    if (!report.Make())
+        return -1;
+    long openMax = ::sysconf(_SC_OPEN_MAX);
+    if (openMax < 0 || openMax > 65536)
+        openMax = 65536;
+
+    const pid_t pid = ::fork();
+    if (pid < 0)
+        return -1;
+    if (pid == 0)
+        StartChild(path, argv, envp, childFds, report.write.Get(), static_cast<int>(openMax));
+    report.write.Close();
+
+    int startError = 0;
+    ssize_t got;
+    do {
+        got = ::read(report.read.Get(), &startError, sizeof startError);
+    } while (got < 0 && errno == EINTR);
+    if (got > 0) {
+        while (::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+        }
+        errno = startError;
+        return -1;
+    }
+    return pid;
+}
+
 int RunCommand(const char* path, const char* const argv[], char* out, int* outLength, char* err,
                int* errLength, const char* input, int inputLength, int timeoutSeconds)
 {
@@ -265,42 +301,19 @@ int RunCommand(const char* path, const char* const argv[], char* out, int* outLe
     if (errLength)
         *errLength = 0;
 
-    Pipe in, output, error, report;
-    if (!in.Make() || !output.Make() || !error.Make() || !report.Make())
+    Pipe in, output, error;
+    if (!in.Make() || !output.Make() || !error.Make())
         return -1;
 
     const std::string hostPath = HostPath(path);
     static const char* const environment[] = {"PYTHONHOME=/", nullptr};
-    long openMax = ::sysconf(_SC_OPEN_MAX);
-    if (openMax < 0 || openMax > 65536)
-        openMax = 65536;
-
-    const pid_t pid = ::fork();
-    if (pid < 0)
-        return -1;
-    if (pid == 0)
-        StartChild(hostPath.c_str(), argv, environment, in.read.Get(), output.write.Get(),
-                   error.write.Get(), report.write.Get(), static_cast<int>(openMax));
-
+    const int childFds[3] = {in.read.Get(), output.write.Get(), error.write.Get()};
+    const pid_t pid = TesselForkExec(hostPath.c_str(), argv, environment, childFds);
     in.read.Close();
     output.write.Close();
     error.write.Close();
-    report.write.Close();
-
-    // The report pipe stays silent and closes at a successful exec; a number in it is the errno
-    // of a start that failed.
-    int startError = 0;
-    ssize_t got;
-    do {
-        got = ::read(report.read.Get(), &startError, sizeof startError);
-    } while (got < 0 && errno == EINTR);
-    report.read.Close();
-    if (got > 0) {
-        while (::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-        }
-        errno = startError;
+    if (pid < 0)
         return -1;
-    }
 
     SetNonBlocking(output.read.Get());
     SetNonBlocking(error.read.Get());

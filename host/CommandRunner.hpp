@@ -3,12 +3,20 @@
 #pragma once
 #include <string>
 
+#include <sys/types.h>
+
 namespace Lanyx {
 
 // The service account for host-agent queries ("lanyx").
 extern std::string lanyxUser;
 // The operator logged in; empty outside a session.
 extern std::string loginUser;
+
+// Starts the program at `path` (a real path, already mapped) with the null-terminated `argv` and
+// `envp`. The child has exactly `childFds` as its descriptors 0, 1 and 2, nothing else, and no
+// signal blocked. Gives the child's process id, or -1 with errno set when it could not start.
+// The host kernel's one-step start where it has one; fork and exec here.
+pid_t TesselForkExec(const char* path, const char* const argv[], const char* const envp[], const int childFds[3]);
 
 // Runs the tool at the host path `path` (mapped under the host root) with the null-terminated
 // argument vector `argv` (argument 0 is the tool's short name). The child gets exactly

@@ -1,6 +1,8 @@
 #include "system/GeneralWindow.hpp"
 
+#include <cerrno>
 #include <cstdlib>
+#include <sys/wait.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -15,7 +17,6 @@
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
 #include "restore/switches/Switches.hpp"
-#include "system/Pager.hpp"
 #include "system/SupportPages.hpp"
 #include "text/LabelItem.hpp"
 #include "text/MessageDialog.hpp"
@@ -101,15 +102,12 @@ constexpr std::array<LogFile, 6> kLogFiles = {{
 
 constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
 
-// The interface objects of this host library carry no enabled flag of their own. A management
-// interface counts as up when it exists and a physical adapter is there to carry it: without
-// one, nothing configured on it can reach the network.
+// No management interface, a disabled one or a host library that cannot tell: all count as down.
 bool ManagementInterfaceUp()
 {
     try {
-        if (!FindManagementInterface())
-            return false;
-        return !TesselCtl::Network::NetworkInfoImpl().GetPnics(0).empty();
+        const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface();
+        return nic && nic->IsEnabled();
     } catch (const KeelsonException&) {
         return false;
     }
@@ -455,9 +453,11 @@ void GeneralWindow::ViewLog(int number)
     const std::string pager = HostPath("/bin/less");
     const std::string file = HostPath(log->path);
     const char* const argv[] = {"less", "-cfP", kPagerPrompt, file.c_str(), nullptr};
-    const pid_t pid = StartOnTerminal(pager.c_str(), argv);
-    if (pid > 0)
-        WaitForChild(pid);
+    // The whole environment and the console's own terminal, unlike the host tools.
+    const int terminal[3] = {0, 1, 2};
+    const pid_t pid = TesselForkExec(pager.c_str(), argv, environ, terminal);
+    while (pid > 0 && ::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
     ::setenv("LESSSECURE", keptValue.c_str(), 1);
 
     ::tcsetattr(1, TCSANOW, &consoleModes);

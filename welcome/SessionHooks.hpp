@@ -1,8 +1,7 @@
-// What the welcome screen runs behind F2 and F12: the login, then the System Customization
-// menu or the shutdown dialog. These screens belong to other layers. The login is plugged in:
-// the login dialog while the host keeps the console open for login, else the refusal box. The
-// menu and the shutdown dialog are not yet: after a login F2 ends the session at once and F12
-// returns to the welcome screen.
+// What the welcome screen runs behind F2 and F12: the login (or the refusal box of a console
+// closed for login), then the System Customization menu or the shutdown dialog. These screens
+// belong to layers above this one; tests pass their own. The shutdown dialog is not built yet:
+// after a login by F12 the welcome screen comes back.
 #pragma once
 #include <functional>
 #include <memory>

@@ -71,6 +71,8 @@ void NoNics(json& state) {
         standardSwitch["teaming"]["uplinkOrder"] = json::array();
     }
     for (json& group : state["portGroups"]) group["teaming"]["uplinkOrder"] = json::array();
+    // Without an adapter the management interface has no link to come up on.
+    Management(state)["enabled"] = false;
 }
 
 void Ipv6(json& state) {

@@ -725,6 +725,10 @@ void TesselNicImpl::Disable() {
     stale_ = true;
 }
 
+bool TesselNicImpl::IsEnabled() const {
+    return Interface(StateFor({"TesselNicImpl::IsEnabled"}), name_).value("enabled", true);
+}
+
 void TesselNicImpl::ConnectTo(const KN::ConnectionPoint& point, bool) {
     // Read the point before taking the state's lock: its getters read the state themselves.
     const int type = point.GetConnecteeType();

@@ -92,6 +92,7 @@ inline const std::vector<std::string>& NetworkFaultOperations() {
         "TesselNicImpl::GetInterfaceName",
         "TesselNicImpl::GetIpConfig",
         "TesselNicImpl::GetMacAddress",
+        "TesselNicImpl::IsEnabled",
         "TesselNicImpl::Refresh",
         "TesselNicImpl::RenewDhcp",
         "TesselNicImpl::RenewDhcp6",

@@ -307,8 +307,12 @@ TEST_F(Login, RefusalsThenSuccessWithTheirRecords)
     // After all that the right password still gets in.
     console->Send(Keys::Up);
     TryLogin(*console, "root", "lanyx-Root1");
+    ASSERT_TRUE(console->WaitForText("System Customization"));
+    console->Send(Keys::Escape);
     ASSERT_TRUE(AwaitWelcome(*console));
     ASSERT_TRUE(root->WaitForLine(Record::Audit, "action=lanyx.logout"));
+    // The PAM stack of the simulated host is complete: no configuration complaint in the log.
+    EXPECT_TRUE(root->Matching(Record::Syslog, "_pam_init_handlers").empty());
     const auto success = root->Matching(Record::Syslog, "]: Authentication of user root succeeded");
     ASSERT_EQ(success.size(), 1u);
     EXPECT_NE(success[0].find(" auth.emerg LANYX["), std::string::npos) << success[0];
@@ -318,7 +322,7 @@ TEST_F(Login, RefusalsThenSuccessWithTheirRecords)
     const auto audit = root->Lines(Record::Audit);
     ASSERT_EQ(audit.size(), refusals.size() + 2);
     EXPECT_TRUE(audit[refusals.size()].ends_with(" action=lanyx.login user=root service=lanyx success=1"));
-    // Without a menu yet the session closes at once, with its own record.
+    // Esc in the menu closed the session, with its own record.
     EXPECT_TRUE(audit.back().ends_with(" user=root service=lanyx success=1 reason=\"Session closed\""));
     EXPECT_EQ(root->Lines(Record::Notad).size(), refusals.size());
 }

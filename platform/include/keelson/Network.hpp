@@ -272,6 +272,7 @@ public:
     virtual void SetMacAddress(const MacAddress& mac) = 0;
     virtual void Enable() = 0;
     virtual void Disable() = 0;
+    virtual bool IsEnabled() const = 0;
     // Moves the interface to a port group or fabric port.
     virtual void ConnectTo(const ConnectionPoint& point, bool persistOnly) = 0;
     // Copies: the addresses in force, and the configured modes and addresses.
@@ -311,6 +312,7 @@ public:
     void SetMacAddress(const Keelson::Network::MacAddress& mac) override;
     void Enable() override;
     void Disable() override;
+    bool IsEnabled() const override;
     void ConnectTo(const Keelson::Network::ConnectionPoint& point, bool persistOnly) override;
     Keelson::Network::IpConfig GetIpConfig() override;
     Keelson::Network::IpConfig GetConfiguredIpConfig() override;
