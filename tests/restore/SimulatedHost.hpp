@@ -17,10 +17,7 @@ namespace Lanyx::Testing {
 class SimulatedHost : public ::testing::Test {
 protected:
     void TearDown() override { Remove(); }
-    void Remove()
-    {
-        if (!base.empty()) std::filesystem::remove_all(base);
-    }
+    void Remove() { if (!base.empty()) std::filesystem::remove_all(base); }
 
     // A test may make several hosts one after the other; each replaces the one before.
     void Create(const std::string& profile = "default")

@@ -68,10 +68,10 @@ TEST_F(Switches, SwitchNameOfEachConnecteeType)
     EXPECT_TRUE(GetSwitchName(nic.get(), name));
     EXPECT_EQ(name, "switch0");
 
-    Connect({{"type", "none"}});
-    EXPECT_FALSE(GetSwitchName(nic.get(), name));
-    Connect({{"type", "opaque"}});
-    EXPECT_FALSE(GetSwitchName(nic.get(), name));
+    for (const char* type : {"none", "opaque"}) {
+        Connect({{"type", type}});
+        EXPECT_FALSE(GetSwitchName(nic.get(), name)) << type;
+    }
     EXPECT_EQ(Errors(), (Strings{"Getting switch name failed: Unsupported connectee type",
                                  "Getting switch name failed: Opaque network connectee type not supported"}));
     EXPECT_EQ(name, "switch0");
@@ -89,8 +89,6 @@ TEST_F(Switches, VlanOfTheManagementPortGroup)
     json state = State();
     EXPECT_EQ(Group(state, "Management Network")["vlan"], 42);
     EXPECT_EQ(Group(state, "VM Network")["vlan"], 0);
-    ASSERT_TRUE(GetVlanId(nic.get(), vlan));
-    EXPECT_EQ(vlan, 42);
 
     Fault("PortGroup::SetVlanId", "port group busy");
     EXPECT_FALSE(SetVlanId(nic.get(), 7));
@@ -216,10 +214,8 @@ TEST_F(Switches, StandardSwitchesInLibraryOrder)
     std::vector<StandardSwitchInfo> switches;
     ASSERT_TRUE(GatherStandardSwitches(switches));
     ASSERT_EQ(switches.size(), 2u) << "fabrics are not listed";
-    EXPECT_EQ(switches[0].name, "switch0");
     EXPECT_EQ(switches[0].uplinks, (Strings{"hwport0", "hwport1"}));
-    EXPECT_EQ(switches[0].configuredPorts, 128u);
-    EXPECT_EQ(switches[1].portGroups, (Strings{"b", "a"}));
+    EXPECT_EQ(switches[1].portGroups, (Strings{"b", "a"})) << "in the switch's order";
 
     Fault("VirtualSwitchInfoImpl::GetVirtualSwitches", "no switches");
     EXPECT_FALSE(GatherStandardSwitches(switches));
