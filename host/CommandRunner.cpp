@@ -204,11 +204,8 @@ void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, l
 [[noreturn]] void StartChild(const char* path, const char* const argv[], const char* const envp[],
                              const int childFds[3], int reportFd, int maxFd)
 {
-    // The console routes its signals through a thread and keeps them blocked elsewhere; a child
-    // must not inherit that.
-    sigset_t none;
-    sigemptyset(&none);
-    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
+    // The signal mask is inherited as it is: the signals the console routes through its signal
+    // thread stay blocked in every child.
     // Lift the three ends clear of 0..2 first, so that no dup2 overwrites another end.
     const int ends[3] = {::fcntl(childFds[0], F_DUPFD, 3), ::fcntl(childFds[1], F_DUPFD, 3),
                          ::fcntl(childFds[2], F_DUPFD, 3)};

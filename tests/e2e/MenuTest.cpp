@@ -48,11 +48,15 @@ std::string Detail(const Console& console) { return Column(console, kDetailColum
 class Menu : public ::testing::Test {
 protected:
     // Starts the console on `profile` and logs in as root, up to the menu.
-    std::unique_ptr<Console> LogIn(const std::string& profile, const std::string& term = "xterm-256color")
+    std::unique_ptr<Console> LogIn(const std::string& profile, const std::string& term = "xterm-256color",
+                                   const std::string& idleLimit = "", const std::string& faketime = "")
     {
         root = std::make_unique<HostRoot>(profile);
+        if (!idleLimit.empty())
+            root->Set("lanyx-timeout", idleLimit);
         ConsoleOptions options = LanyxOptions(root->Path());
         options.term = term;
+        options.faketime = faketime;
         auto console = std::make_unique<Console>(options);
         EXPECT_TRUE(console->WaitFor([&] { return console->CellAt(24, 79).text == "┘"; }, 10s, "the welcome screen"));
         // Keys typed while a screen opens are dropped, so F2 is repeated until the box shows.
@@ -125,6 +129,19 @@ TEST_F(Menu, DefaultHostMenuAfterLoginAndLogout)
     EXPECT_TRUE(root->WaitForLine(Record::Syslog, "]: User root logged out"));
     EXPECT_TRUE(root->WaitForLine(Record::Audit,
                                   "action=lanyx.logout user=root service=lanyx success=1 reason=\"Session closed\""));
+}
+
+TEST_F(Menu, IdleLimitEndsTheSessionWithItsRecords)
+{
+    // 120 seconds of the console's clock are 6 real seconds at twenty times the speed: room for
+    // the login, which keys keep alive, and the menu, which nobody touches.
+    auto console = LogIn("default", "xterm-256color", "120", "+0 x20");
+    ASSERT_TRUE(root->WaitForLine(Record::Syslog, "]: User root logged out due to time out", 20s));
+    EXPECT_TRUE(console->WaitForText("To manage this host, go to:"));
+    EXPECT_TRUE(root->WaitForLine(Record::Audit,
+                                  "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
+    EXPECT_TRUE(root->Matching(Record::Syslog, "]: User root logged out\n").empty());
+    EXPECT_TRUE(console->Running());
 }
 
 TEST_F(Menu, EntriesGreyedAndSkippedByHost)
