@@ -51,9 +51,8 @@ TEST_F(NetworkLibrary, InterfaceCachesUntilStaleAndFaultsByOperationName)
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.99");
 
     Fault("TesselNicImpl::Disable", "link stuck");
-    TN::TesselNicImpl fresh("tnic0");
     try {
-        fresh.Disable();
+        nic.Disable();
         ADD_FAILURE() << "no exception";
     } catch (const Keelson::Lib::KeelsonException& e) {
         EXPECT_STREQ(e.what(), "link stuck");
