@@ -59,9 +59,7 @@ long CpuTicks(pid_t pid)
 
 bool Complete(Console& console, const std::string& ready)
 {
-    return console.WaitFor(
-        [&] { return console.CellAt(console.Rows() - 1, console.Cols() - 1).text == "┘" && console.Find(ready); }, 10s,
-        ready);
+    return console.WaitForFullScreen(ready);
 }
 
 double Median(std::vector<double> values)

@@ -89,15 +89,9 @@ protected:
         return console;
     }
 
-    // The welcome screen stands whole once its box's last corner is drawn beside its text.
     static ::testing::AssertionResult AwaitWelcome(Console& console)
     {
-        return console.WaitFor(
-            [&] {
-                return console.Find(kWelcomeReady) && !console.Find(kTitle) &&
-                       console.CellAt(console.Rows() - 1, console.Cols() - 1).text == "┘";
-            },
-            10s, "the welcome screen");
+        return console.WaitForFullScreen(kWelcomeReady, kTitle);
     }
 
     // Keys typed while a screen opens are dropped, so the key is repeated until the box shows;

@@ -93,16 +93,9 @@ int WakeWithKey(Console& console, char first)
 
 bool IsWelcomeLit(const Cell& cell) { return cell.fg.IsIndex(7) && cell.bg.IsIndex(6); }
 
-// The whole welcome screen stands once the box's last corner is drawn beside its text: that
-// corner comes with the refresh that ends every reload.
 ::testing::AssertionResult AwaitWelcome(Console& console)
 {
-    return console.WaitFor(
-        [&] {
-            return console.Find(kWelcomeReady) &&
-                   console.CellAt(console.Rows() - 1, console.Cols() - 1).text == "┘";
-        },
-        10s, "the welcome screen");
+    return console.WaitForFullScreen(kWelcomeReady);
 }
 
 class Spine : public ::testing::Test {

@@ -54,14 +54,7 @@ protected:
         return console;
     }
 
-    // The box's last corner comes with the refresh of the whole screen that ends every reload,
-    // so once it stands beside the expected text, the screen is complete.
-    ::testing::AssertionResult WaitUntilDrawn(Console& console)
-    {
-        return console.WaitFor(
-            [&] { return console.CellAt(console.Rows() - 1, console.Cols() - 1).text == "┘" && console.Find(ready); },
-            10s, "the screen drawn with \"" + ready + "\"");
-    }
+    ::testing::AssertionResult WaitUntilDrawn(Console& console) { return console.WaitForFullScreen(ready); }
 
     // What a row of the default layout shows from the text column on.
     static std::string At(const Console& console, int row, int col = kTextColumn)
@@ -309,18 +302,6 @@ TEST_F(Welcome, F4WithoutColourChangeIsAPlainRepaint)
         },
         10s, "the screen repainted, still monochrome"));
     EXPECT_TRUE(console->Running());
-}
-
-TEST_F(Welcome, LoginKeysLeaveTheScreenRunning)
-{
-    auto console = Start();
-    console->Send(Keys::F(2));
-    console->Send(Keys::F(12));
-    console->Pump(300ms);
-    EXPECT_TRUE(console->Find("To manage this host, go to:"));
-    EXPECT_TRUE(console->Running());
-    console->Signal(SIGUSR2);
-    EXPECT_TRUE(console->ExitsWith(0));
 }
 
 TEST_F(Welcome, LibraryFailureLeavesTheAddressesEmpty)

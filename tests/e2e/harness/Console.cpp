@@ -478,6 +478,16 @@ bool Console::Running()
                                          << Describe();
 }
 
+::testing::AssertionResult Console::WaitForFullScreen(std::string_view text, std::string_view absent,
+                                                      Duration timeout)
+{
+    return WaitFor(
+        [&] {
+            return CellAt(rows_ - 1, cols_ - 1).text == "┘" && Find(text) && (absent.empty() || !Find(absent));
+        },
+        timeout, "the whole screen with \"" + std::string(text) + "\"");
+}
+
 ::testing::AssertionResult Console::WaitForTextGone(std::string_view text, Duration timeout)
 {
     return WaitFor([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone");

@@ -96,6 +96,10 @@ public:
     // Waits until the screen shows `text`. Fails early once the process has ended and its
     // output is drained. The failure message holds the screen.
     ::testing::AssertionResult WaitForText(std::string_view text, Duration timeout = 10s);
+    // Waits until a whole screen stands with `text` on it (and `absent` gone, when given): curses
+    // draws the bottom-right corner of a full-screen box with the refresh that ends the screen.
+    ::testing::AssertionResult WaitForFullScreen(std::string_view text, std::string_view absent = {},
+                                                 Duration timeout = 10s);
     // Waits until `text` has gone from the screen.
     ::testing::AssertionResult WaitForTextGone(std::string_view text, Duration timeout = 10s);
     // Waits until `condition` holds while pumping output; runs to the deadline even after the
