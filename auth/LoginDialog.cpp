@@ -62,11 +62,6 @@ bool IsEditingKey(int key)
     }
 }
 
-std::string Catalogue(StringFactory* strings, uint32_t id)
-{
-    return strings ? strings->GetString(id) : "";
-}
-
 std::string ConfiguredLayoutText()
 {
     const TesselCtl::System::SystemInfoImpl systemInfo;
@@ -84,8 +79,8 @@ LoginDialog::LoginDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHe
         ShowConfiguredLayout();
         items.push_back(keyboardLine.get());
     }
-    nameItem = std::make_unique<InputItem>(Catalogue(strings, LoginNameId), "root", kFieldWidth);
-    secretItem = std::make_unique<InputItem>(Catalogue(strings, PasswordLabelId), "", kFieldWidth);
+    nameItem = std::make_unique<InputItem>(CatalogueText(LoginNameId), "root", kFieldWidth);
+    secretItem = std::make_unique<InputItem>(CatalogueText(PasswordLabelId), "", kFieldWidth);
     secretItem->masked = true;
     items.push_back(nameItem.get());
     items.push_back(secretItem.get());
@@ -97,17 +92,17 @@ LoginDialog::LoginDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHe
 
 void LoginDialog::SetMode(bool pin)
 {
-    SetMessage(HostGreeting(Catalogue(strings, pin ? PinLeadId : PasswordLeadId)));
+    SetMessage(HostGreeting(CatalogueText(pin ? PinLeadId : PasswordLeadId)));
     SetFooter(pin ? pinFooter : passwordFooter);
-    nameItem->SetLabel(Catalogue(strings, pin ? LoginIdId : LoginNameId));
+    nameItem->SetLabel(CatalogueText(pin ? LoginIdId : LoginNameId));
     nameItem->SetValue(pin ? cardUser : "root");
-    secretItem->SetLabel(Catalogue(strings, pin ? PinLabelId : PasswordLabelId));
+    secretItem->SetLabel(CatalogueText(pin ? PinLabelId : PasswordLabelId));
     secretItem->SetValue("");
 }
 
 bool LoginDialog::Execute()
 {
-    SetTitle(Catalogue(strings, TitleId));
+    SetTitle(CatalogueText(TitleId));
     SetMode(pinMode);
     ShowCursor(true);
     itemList->SelectOrdinal(NameIndex());

@@ -24,8 +24,8 @@ LoginDisabledDialog::LoginDisabledDialog(Frame* owner) : Dialog(owner, kWidth, k
 
 bool LoginDisabledDialog::Execute()
 {
-    SetTitle(strings ? strings->GetString(DeniedTitleId) : "");
-    SetMessage(HostGreeting(strings ? strings->GetString(DisabledLeadId) : ""));
+    SetTitle(CatalogueText(DeniedTitleId));
+    SetMessage(HostGreeting(CatalogueText(DisabledLeadId)));
     SetFooter(kOkFooter);
     for (;;) {
         const int key = ReadKey(true);

@@ -27,6 +27,8 @@ public:
 
     Frame* GetOwner() const { return owner; }
     StringFactory* GetStrings() const { return strings; }
+    // The catalogue's text for `id`; empty while no catalogue is plugged in.
+    const char* CatalogueText(uint32_t id) const { return strings ? strings->GetString(id) : ""; }
 
 protected:
     Frame* owner = nullptr;

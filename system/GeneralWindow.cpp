@@ -191,7 +191,7 @@ GeneralWindow::~GeneralWindow() = default;
 
 void GeneralWindow::AddEntry(uint32_t id, bool selectable)
 {
-    menuItems.push_back(std::make_unique<LabelItem>(strings ? strings->GetString(id) : "", selectable));
+    menuItems.push_back(std::make_unique<LabelItem>(CatalogueText(id), selectable));
     entryIds.push_back(id);
 }
 
@@ -201,7 +201,7 @@ void GeneralWindow::DisableEntry(uint32_t id)
         if (entryIds[i] != id)
             continue;
         if (auto* label = dynamic_cast<LabelItem*>(menuItems[i].get()))
-            label->SetText("{color:dark-grey}" + std::string(strings ? strings->GetString(id) : "") + "{/color}");
+            label->SetText("{color:dark-grey}" + std::string(CatalogueText(id)) + "{/color}");
     }
 }
 
@@ -218,7 +218,7 @@ void GeneralWindow::Reload()
 
 void GeneralWindow::UpdateContent()
 {
-    SetLeftTitle(strings ? strings->GetString(MenuTitle) : "");
+    SetLeftTitle(CatalogueText(MenuTitle));
     SetLeftFooter(kListFooter);
     itemList->Draw();
     ShowSelectedEntry();
@@ -355,7 +355,7 @@ std::string GeneralWindow::LogTable()
         table += "{color:white}<" + std::to_string(++number) + "> {color:light-grey}" + kLogFiles[row].label +
                  "{/color}\n";
     }
-    return table + "\n" + (strings ? strings->GetString(LogsHelp) : "");
+    return table + "\n" + CatalogueText(LogsHelp);
 }
 
 bool GeneralWindow::Execute()

@@ -23,7 +23,7 @@ MessageDialog::MessageDialog(Frame* owner, uint32_t titleId, std::string message
     : Dialog(owner, kWidth, kHeight, kTitleHeight), titleId(titleId), message(std::move(message)) {}
 
 bool MessageDialog::Execute() {
-    SetTitle(strings ? strings->GetString(titleId) : "");
+    SetTitle(CatalogueText(titleId));
     SetMessage(message);
     SetFooter(kOkFooter);
     while (ReadKey(true) != Keys::Enter) {

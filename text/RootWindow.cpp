@@ -28,7 +28,7 @@ RootWindow::RootWindow(Frame* owner) : Frame(owner, 0, 0, COLS, LINES, 0, 7) {
 
 void RootWindow::Draw() {
     SetActive(true);
-    const char* version = strings ? strings->GetString(2) : "";
+    const char* version = CatalogueText(2);
     const int length = static_cast<int>(std::strlen(version));
     statusLine->Print(statusLine->GetWidth() / 2 - length / 2, 0, version);
     UpdateContent();
