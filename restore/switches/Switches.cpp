@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdio>
 
+#include "host/GuardedStep.hpp"
 #include "host/Log.hpp"
 #include "keelson/Network.hpp"
 
@@ -89,18 +90,16 @@ std::unique_ptr<KN::NetworkInterface> FindManagementInterface() {
 }
 
 bool IsFabricInUse() {
-    try {
+    bool result = false;
+    return LoggedStep("Could not determine if a FABRIC was in use: ", [&] {
         std::unique_ptr<KN::NetworkInterface> nic = FindManagementInterface();
         if (!nic) {
             Log(LOG_ERR, "Could not locate the management interface");
-            return false;
+            return;
         }
         std::unique_ptr<KN::ConnectionPoint> point = ConnectionPointOf(nic.get());
-        return point->GetConnecteeType() == KN::CONNECTEE_FABRIC_PORT;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Could not determine if a FABRIC was in use: %s", e.what());
-        return false;
-    }
+        result = point->GetConnecteeType() == KN::CONNECTEE_FABRIC_PORT;
+    }) && result;
 }
 
 bool GetSwitchName(KN::NetworkInterface* nic, std::string& name) {
@@ -135,47 +134,32 @@ bool GetSwitchName(KN::NetworkInterface* nic, std::string& name) {
 }
 
 bool GetVlanId(KN::NetworkInterface* nic, uint16_t& vlanId) {
-    try {
+    return LoggedStep("Getting VlanID failed: ", [&] {
         vlanId = PortGroupOf(nic)->GetVlanId();
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Getting VlanID failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool SetVlanId(KN::NetworkInterface* nic, uint16_t vlanId) {
-    try {
+    return LoggedStep("Setting VlanID failed: ", [&] {
         PortGroupOf(nic)->SetVlanId(vlanId);
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Setting VlanID failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool GetMaxActiveUplinks(KN::NetworkInterface* nic, uint32_t& count) {
-    try {
+    return LoggedStep("Getting max number of active uplinks failed: ", [&] {
         count = static_cast<uint32_t>(PortGroupOf(nic)->GetTeamingPolicy().GetMaxActiveUplinks());
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Getting max number of active uplinks failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool GetUplinks(KN::NetworkInterface* nic, std::vector<std::string>& uplinks) {
-    try {
+    return LoggedStep("Getting uplinks failed: ", [&] {
         uplinks = PortGroupOf(nic)->GetTeamingPolicy().GetUplinkOrder();
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Getting uplinks failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool AddUplink(KN::NetworkInterface* nic, const std::string& uplink) {
-    try {
+    bool result = false;
+    return LoggedStep("Adding uplink " + uplink + " failed: ", [&] {
         std::unique_ptr<KN::ConnectionPoint> point = ConnectionPointOf(nic);
         // The uplink leaves whatever holds it, even when this interface turns out to be unfit.
         TesselCtl::Network::VirtualSwitchInfoImpl info;
@@ -186,39 +170,30 @@ bool AddUplink(KN::NetworkInterface* nic, const std::string& uplink) {
         if (group == nullptr) throw KeelsonException("Unsupported xbar type");
         std::unique_ptr<KN::VirtualSwitch> sw(group->GetVirtualSwitch());
         sw->AddUplink(uplink, true);
-        return AddUplinkToTeaming(uplink, *group);
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Adding uplink %s failed: %s", uplink.c_str(), e.what());
-        return false;
-    }
+        result = AddUplinkToTeaming(uplink, *group);
+    }) && result;
 }
 
 bool RemoveUplink(KN::NetworkInterface* nic, const std::string& uplink) {
-    try {
+    bool result = false;
+    return LoggedStep("Removing uplink " + uplink + " failed: ", [&] {
         std::unique_ptr<KN::PortGroup> group = PortGroupOf(nic);
         std::unique_ptr<KN::VirtualSwitch> sw(group->GetVirtualSwitch());
         sw->RemoveUplink(uplink, false);
-        return RemoveUplinkFromTeaming(uplink, *group);
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Removing uplink %s failed: %s", uplink.c_str(), e.what());
-        return false;
-    }
+        result = RemoveUplinkFromTeaming(uplink, *group);
+    }) && result;
 }
 
 bool AddUplinkToTeaming(const std::string& uplink, KN::PortGroup& portGroup) {
-    try {
+    return LoggedStep("VS: add uplink to teaming policy failed: ", [&] {
         KN::NicTeamingPolicy policy = portGroup.GetTeamingPolicy();
         AddToTeam(uplink, policy);
         portGroup.SetTeamingPolicy(policy);
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "VS: add uplink to teaming policy failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool RemoveUplinkFromTeaming(const std::string& uplink, KN::PortGroup& portGroup) {
-    try {
+    return LoggedStep("VS: remove uplink from teaming policy failed: ", [&] {
         KN::NicTeamingPolicy policy = portGroup.GetTeamingPolicy();
         std::vector<std::string> order = policy.GetUplinkOrder();
         auto it = std::find(order.begin(), order.end(), uplink);
@@ -228,25 +203,17 @@ bool RemoveUplinkFromTeaming(const std::string& uplink, KN::PortGroup& portGroup
             policy.SetMaxActiveUplinks(policy.GetMaxActiveUplinks() - 1);
         }
         portGroup.SetTeamingPolicy(policy);
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "VS: remove uplink from teaming policy failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool AddUplinkToSwitchTeaming(const std::string& uplink, KN::NicTeamingPolicy& policy) {
-    try {
+    return LoggedStep("VS: add uplink to teaming policy failed: ", [&] {
         AddToTeam(uplink, policy);
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "VS: add uplink to teaming policy failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool GatherStandardSwitches(std::vector<StandardSwitchInfo>& switches) {
-    try {
+    return LoggedStep("Gathering standard virtual switch list failed: ", [&] {
         switches.clear();
         TesselCtl::Network::VirtualSwitchInfoImpl info;
         for (const auto& sw : info.GetVirtualSwitches(0)) {
@@ -259,11 +226,7 @@ bool GatherStandardSwitches(std::vector<StandardSwitchInfo>& switches) {
             row.configuredPorts = sw->GetConfiguredPorts();
             switches.push_back(std::move(row));
         }
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Gathering standard virtual switch list failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool PhysicalNicLess(const std::string& a, const std::string& b) {
@@ -274,44 +237,34 @@ bool PhysicalNicLess(const std::string& a, const std::string& b) {
 }
 
 bool GatherPhysicalNics(std::vector<std::string>& names) {
-    try {
+    return LoggedStep("Getting physical nics failed: ", [&] {
         TesselCtl::Network::NetworkInfoImpl info;
         std::vector<std::string> found;
         for (const auto& pnic : info.GetPnics(1)) found.push_back(pnic->GetName());
         // Stable: the mixed numeric and bytewise order is no strict weak order for odd names.
         std::stable_sort(found.begin(), found.end(), PhysicalNicLess);
         names = std::move(found);
-        return true;
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Getting physical nics failed: %s", e.what());
-        return false;
-    }
+    });
 }
 
 bool GatherUplinkUsers(const std::vector<std::string>& names, UplinkUsers& users) {
     for (const std::string& name : names) users[name].clear();
     TesselCtl::Network::VirtualSwitchInfoImpl info;
-    try {
-        for (const auto& sw : info.GetVirtualSwitches(0)) {
-            const std::vector<std::string> uplinks = sw->GetUplinks();
-            for (const std::string& name : names)
-                if (Contains(uplinks, name)) users[name] = sw->GetName();
-        }
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Scanning virtual switches failed: %s", e.what());
-        return false;
-    }
-    try {
-        for (const auto& fabric : info.GetFabricSwitches()) {
-            const std::map<std::string, KN::FabricPortParam> ports = fabric->GetUplinkPorts();
-            for (const std::string& name : names)
-                if (ports.count(name) != 0) users[name] = fabric->GetName();
-        }
-    } catch (const KeelsonException& e) {
-        Log(LOG_ERR, "Scanning fabricswitches failed: %s", e.what());
-        return false;
-    }
-    return true;
+    return LoggedStep("Scanning virtual switches failed: ",
+                      [&] {
+                          for (const auto& sw : info.GetVirtualSwitches(0)) {
+                              const std::vector<std::string> uplinks = sw->GetUplinks();
+                              for (const std::string& name : names)
+                                  if (Contains(uplinks, name)) users[name] = sw->GetName();
+                          }
+                      }) &&
+           LoggedStep("Scanning fabricswitches failed: ", [&] {
+               for (const auto& fabric : info.GetFabricSwitches()) {
+                   const std::map<std::string, KN::FabricPortParam> ports = fabric->GetUplinkPorts();
+                   for (const std::string& name : names)
+                       if (ports.count(name) != 0) users[name] = fabric->GetName();
+               }
+           });
 }
 
 AdapterInfo GatherAdapterInfo(const std::string& name, const UplinkUsers& users) {
