@@ -170,15 +170,25 @@ bool FormDialog::EditSelectedField(int key)
 
 void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, uint32_t messageId)
 {
-    SelectOrdinal(ordinal);
+    SelectRefused(ordinal);
     MessageDialog(this, titleId, messageId).RunModal();
     Redraw();
 }
 
 void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, const std::string& message)
 {
-    SelectOrdinal(ordinal);
+    SelectRefused(ordinal);
     MessageDialog(this, titleId, message).RunModal();
+    Redraw();
+}
+
+void FormDialog::SelectRefused(uint32_t ordinal)
+{
+    list->SelectOrdinal(ordinal);
+    // The refused value is selected whole, also when its field had the selection already, so
+    // that the next character typed replaces it.
+    if (InputItem* field = SelectedField())
+        field->SetValue(field->GetValue());
     Redraw();
 }
 
