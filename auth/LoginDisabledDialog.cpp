@@ -4,6 +4,7 @@
 
 #include "auth/LoginAccess.hpp"
 #include "core/Keys.hpp"
+#include "text/CatalogueIds.hpp"
 
 namespace Lanyx {
 
@@ -13,19 +14,14 @@ constexpr int kWidth = 60;
 constexpr int kHeight = 9;
 constexpr int kTitleHeight = 6;
 
-enum CatalogueId : uint32_t {
-    DeniedTitleId = 145,
-    DisabledLeadId = 146,
-};
-
 } // namespace
 
 LoginDisabledDialog::LoginDisabledDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {}
 
 bool LoginDisabledDialog::Execute()
 {
-    SetTitle(CatalogueText(DeniedTitleId));
-    SetMessage(HostGreeting(CatalogueText(DisabledLeadId)));
+    SetTitle(CatalogueText(Ids::DeniedTitle));
+    SetMessage(HostGreeting(CatalogueText(Ids::DisabledLead)));
     SetFooter(Footers::kOk);
     for (;;) {
         const int key = ReadKey(true);

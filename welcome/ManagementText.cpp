@@ -3,17 +3,11 @@
 #include <algorithm>
 #include <sstream>
 
+#include "text/CatalogueIds.hpp"
+
 namespace Lanyx {
 
 namespace {
-
-enum CatalogueId : uint32_t {
-    ManageHostId = 139,
-    DhcpId = 261,
-    StaticId = 262,
-    AutoconfId = 263,
-    WaitingForDhcpId = 264,
-};
 
 std::string Parenthesised(StringFactory& strings, uint32_t id)
 {
@@ -25,13 +19,13 @@ std::string Ipv6Line(const Ipv6Entry& entry, StringFactory& strings)
     std::string line = "https://[" + entry.address + "]/ ";
     switch (entry.type) {
     case Ipv6Static:
-        line += Parenthesised(strings, StaticId);
+        line += Parenthesised(strings, Ids::Static);
         break;
     case Ipv6Dhcp:
-        line += Parenthesised(strings, DhcpId);
+        line += Parenthesised(strings, Ids::Dhcp);
         break;
     case Ipv6Autoconf:
-        line += Parenthesised(strings, AutoconfId);
+        line += Parenthesised(strings, Ids::Autoconf);
         break;
     default:
         break;
@@ -61,18 +55,18 @@ std::string ComposeIpv6Lines(const std::vector<Ipv6Entry>& entries, StringFactor
 std::string ComposeManagementText(const ManagementFacts& facts, StringFactory& strings)
 {
     std::ostringstream text;
-    text << strings.GetString(ManageHostId);
+    text << strings.GetString(Ids::ManageHost);
     if (!facts.hostname.empty() && facts.hostname != "localhost")
         text << "\nhttps://" << facts.hostname << "/ ";
     if (!facts.useNone)
         text << "\nhttps://" << facts.ipv4 << "/ ";
     if (!facts.useNone || facts.useDhcp) {
         if (!facts.useDhcp)
-            text << Parenthesised(strings, StaticId);
+            text << Parenthesised(strings, Ids::Static);
         else if (!facts.dhcpServerKnown)
-            text << Parenthesised(strings, WaitingForDhcpId);
+            text << Parenthesised(strings, Ids::WaitingForDhcp);
         else
-            text << Parenthesised(strings, DhcpId);
+            text << Parenthesised(strings, Ids::Dhcp);
     }
     if (facts.ipv6Enabled)
         text << "\n" << ComposeIpv6Lines(facts.ipv6, strings);

@@ -13,6 +13,7 @@
 #include "host/Records.hpp"
 #include "keelson/Hardware.hpp"
 #include "keelson/Lib.hpp"
+#include "text/CatalogueIds.hpp"
 #include "welcome/HostFacts.hpp"
 #include "welcome/ManagementNetwork.hpp"
 #include "zephora/probe.h"
@@ -22,14 +23,6 @@ namespace Lanyx {
 bool adapterAlertSent = false;
 
 namespace {
-
-enum CatalogueId : uint32_t {
-    CustomizeSystemId = 0,
-    ShutDownRestartId = 1,
-    VersionLineId = 2,
-    DhcpWarningId = 140,
-    AuditModeWarningId = 141,
-};
 
 constexpr char noAdapterText[] =
     "No compatible network adapter found. Please consult the product's Hardware Compatibility "
@@ -130,9 +123,9 @@ void WelcomeWindow::BuildDefaultLayout()
     const int paneWidth = bottomPane->GetWidth();
     const int paneHeight = bottomPane->GetHeight();
     footerText = new TextArea(bottomPane, 2, paneHeight - 2, paneWidth - 4, 1, ColorBlack);
-    footerText->SetText(std::string("<F2> {color:dark-grey}") + strings->GetString(CustomizeSystemId) +
+    footerText->SetText(std::string("<F2> {color:dark-grey}") + strings->GetString(Ids::CustomizeSystem) +
                         "{/color}{align:right}<F12> {color:dark-grey}" +
-                        strings->GetString(ShutDownRestartId) + "{/color}{/align}");
+                        strings->GetString(Ids::ShutDownRestart) + "{/color}{/align}");
 }
 
 void WelcomeWindow::FillDefaultLayout()
@@ -142,12 +135,12 @@ void WelcomeWindow::FillDefaultLayout()
     try {
         if (ReadManagementInterface(facts)) {
             warningText->SetText(facts.useDhcp && !facts.dhcpServerKnown
-                                     ? strings->GetString(DhcpWarningId)
+                                     ? strings->GetString(Ids::DhcpWarning)
                                      : "");
         }
         // Comes last: audit mode outweighs a failed DHCP lookup.
         if (HostInAuditMode())
-            warningText->SetText(strings->GetString(AuditModeWarningId));
+            warningText->SetText(strings->GetString(Ids::AuditModeWarning));
 
         facts.hostname = dnsConfig.GetHostname();
         const std::string composed = ComposeManagementText(facts, *strings);
@@ -169,7 +162,7 @@ void WelcomeWindow::FillDefaultLayout()
             managementText->SetText(composed);
         }
 
-        versionText->SetText(strings->GetString(VersionLineId));
+        versionText->SetText(strings->GetString(Ids::VersionLine));
         const TesselCtl::Hardware::HardwareInfoImpl hardware;
         vendorText->SetText(FormatVendorLine(hardware.GetVendorName(), hardware.GetProductName()));
         hardwareText->SetText(HardwareLines());
