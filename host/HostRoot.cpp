@@ -4,16 +4,15 @@
 
 namespace Lanyx {
 
-const std::string& HostRootPrefix()
+std::string HostRootPrefix()
 {
-    static const std::string prefix = [] {
-        const char* value = std::getenv("LANYX_HOST_ROOT");
-        std::string root = value ? value : "";
-        while (!root.empty() && root.back() == '/')
-            root.pop_back();
-        return root;
-    }();
-    return prefix;
+    // Read at every call: a process that points the variable at another root (a test making a
+    // second host) must not keep the first.
+    const char* value = std::getenv("LANYX_HOST_ROOT");
+    std::string root = value ? value : "";
+    while (!root.empty() && root.back() == '/')
+        root.pop_back();
+    return root;
 }
 
 std::string HostPath(std::string_view absolutePath)

@@ -7,7 +7,7 @@
 namespace Lanyx {
 
 // The root, without a trailing slash; empty for "/".
-const std::string& HostRootPrefix();
+std::string HostRootPrefix();
 
 // "/var/run/lanyx.pid" -> "<root>/var/run/lanyx.pid". Devices ("/dev/...") and the terminfo
 // folder stay where they are.
