@@ -19,10 +19,7 @@ constexpr const char* kTitle = "Authentication Required";
 constexpr const char* kPasswordFooter = "<Enter> OK  <Esc> Cancel";
 constexpr const char* kPinHint = "<F3> Switch PIN/Password Login";
 
-std::string Trimmed(std::string text)
-{
-    return text.erase(text.find_last_not_of(' ') + 1);
-}
+std::string Trimmed(std::string text) { return text.erase(text.find_last_not_of(' ') + 1); }
 
 // What a field row shows between its brackets, trailing blanks removed.
 std::string FieldValue(const Console& console, int line)
@@ -52,7 +49,7 @@ bool Selected(const Console& console, int line)
 // The message in the title pane, its two lines joined.
 std::string Message(const Console& console, int row = kMessageRow)
 {
-    return Trimmed(Trimmed(console.Text(row, kTextColumn, 54)) + " " + Trimmed(console.Text(row + 1, kTextColumn, 54)));
+    return Trimmed(console.Text(row, kTextColumn, 54) + " " + console.Text(row + 1, kTextColumn, 54));
 }
 
 // Sends keys, each once, and waits until the console reads again.
@@ -81,7 +78,7 @@ TEST(Login, PasswordModeLooksAndMoves)
     EXPECT_TRUE(Selected(console, 0));
     EXPECT_FALSE(Selected(console, 1));
     EXPECT_TRUE(console.CursorVisible());
-    EXPECT_EQ(Trimmed(console.Text(kFooterRow, kBoxColumn + 1, 57)), std::string(57 - 24, ' ') + kPasswordFooter);
+    EXPECT_EQ(console.Text(kFooterRow, kBoxColumn + 1, 57), std::string(57 - 24, ' ') + kPasswordFooter);
     EXPECT_FALSE(console.Find(kPinHint));
 
     // Enter on the name moves on without an attempt; Tab on the last line goes back to line 0;
@@ -125,7 +122,7 @@ TEST(Login, ConsoleModeAddsTheKeyboardLine)
     Session s("default", {.settings = {{"keyboard-layout", "German"}}, .term = "xterm"});
     Console& console = s.Screen();
     ASSERT_TRUE(s.OpenLogin());
-    EXPECT_EQ(Trimmed(console.Text(kListRow, kTextColumn, kRowWidth)), "Configured Keyboard (German)");
+    EXPECT_EQ(console.Text(kListRow, kTextColumn, kRowWidth), "Configured Keyboard (German)");
     EXPECT_EQ(FieldLabel(console, 1), "Login Name:");
     EXPECT_EQ(FieldLabel(console, 2), "Password:");
     EXPECT_TRUE(Selected(console, 1));

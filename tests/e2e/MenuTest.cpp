@@ -17,13 +17,7 @@ namespace {
 // titles on row 1, footers on row 22.
 constexpr int kTop = 4, kListColumn = 3, kDetailColumn = 42;
 
-std::string Trimmed(std::string text)
-{
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
-}
-
-std::string RightFooter(const Console& console) { return Trimmed(console.Text(22, 41, 37)); }
+std::string RightFooter(const Console& console) { return console.Text(22, 41, 37); }
 
 bool Greyed(const Console& console, int line)
 {
@@ -36,7 +30,7 @@ std::string Column(const Console& console, int column, int width)
 {
     std::string text;
     for (int row = kTop; row < kTop + 18; ++row)
-        text += Trimmed(console.Text(row, column, width)) + "\n";
+        text += console.Text(row, column, width) + "\n";
     return text.erase(text.find_last_not_of('\n') + 1);
 }
 
@@ -65,7 +59,7 @@ TEST(Menu, DefaultHostMenuAfterLoginAndLogout)
     EXPECT_EQ(Column(console, kListColumn, 35), kDefaultList) << console.Describe();
     EXPECT_EQ(Detail(console), "Set\n\nTo prevent unauthorized access to\nthis system, set the password for\nthe user.");
     EXPECT_EQ(RightFooter(console), "<Enter> Change          <Esc> Log Out");
-    EXPECT_EQ(Trimmed(console.Text(22, 2, 37)), "<Up/Down> Select");
+    EXPECT_EQ(console.Text(22, 2, 37), "<Up/Down> Select");
     EXPECT_TRUE(console.Row(24).find("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ") != std::string::npos);
     EXPECT_TRUE(console.CellAt(kTop, kDetailColumn).fg.IsIndex(7)) << "the value in white";
 
@@ -163,7 +157,7 @@ TEST(Menu, SupportPagesTurnAndStartOverOnReturn)
         if (!key.empty())
             s->Key(key);
         EXPECT_TRUE(s->Settle());
-        return Trimmed(console.Text(kTop, kDetailColumn, 36)) == "<Page Up>       " + number + "     <Page Down>";
+        return console.Text(kTop, kDetailColumn, 36) == "<Page Up>       " + number + "     <Page Down>";
     };
     ASSERT_TRUE(page("", "1/3"));
     EXPECT_TRUE(!white(0) && white(16) && white(24)) << "Page Up grey on the first page";

@@ -4,7 +4,6 @@
 #include <csignal>
 #include <string>
 
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -22,25 +21,13 @@ constexpr int kKeyRow = 3, kReloadRow = 5, kSessionRow = 7, kTextColumn = 2;
 // What a row of the key test frame shows from the text column on.
 std::string FrameText(const Console& console, int row)
 {
-    std::string text = console.Text(row, kTextColumn, 40);
-    return text.erase(text.find_last_not_of(' ') + 1);
+    return console.Text(row, kTextColumn, 40);
 }
 
 // Lines of the system log written by the process with this pid.
 std::string Tag(const Console& console, const char* level)
 {
     return std::string("user.") + level + " LANYX[" + std::to_string(console.Pid()) + "]: ";
-}
-
-// A pid that belonged to a process that has ended.
-pid_t DeadPid()
-{
-    const pid_t pid = fork();
-    if (pid == 0)
-        _exit(0);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    return pid;
 }
 
 SessionOptions KeyFrame() { return SessionOptions{.keyTestFrame = true}; }
@@ -219,19 +206,12 @@ TEST(Spine, ExceptionReachesTheTopLevelHandler)
 
 // ---------------------------------------------------------------- pid file
 
-TEST(Spine, PidFileNamesTheProcessWithoutNewline)
+TEST(Spine, PidFileNamesTheProcessAndIsKeptByARunningOne)
 {
+    // What the start does with a stale file is checked in memory; here, the running instance's.
     Session s;
-    // Absent, unreadable or naming a dead process: the start writes its own pid over it.
-    for (const std::string& stale : {std::string(), std::string("garbage"), std::to_string(DeadPid()) + "\n"}) {
-        SCOPED_TRACE("pid file holding \"" + stale + "\"");
-        if (!stale.empty())
-            s.Restart({.prepare = [&](HostRoot& host) { host.Write(kPidFile, stale); }});
-        ASSERT_TRUE(s.Settle());
-        EXPECT_EQ(s.Host().Read(kPidFile), std::to_string(s.Screen().Pid()));
-    }
-    EXPECT_TRUE(s.Host().Matching(Record::Syslog, "Attempt to run multiple").empty());
-
+    ASSERT_TRUE(s.Settle());
+    EXPECT_EQ(s.Host().Read(kPidFile), std::to_string(s.Screen().Pid())) << "no newline";
     // A running instance keeps its file; the second one runs on.
     const std::string firstPid = std::to_string(s.Screen().Pid());
     Console second(LanyxOptions(s.Host().Path()));
@@ -249,7 +229,8 @@ TEST(Spine, PidFileNamesTheProcessWithoutNewline)
 TEST(Spine, TerminalNumberArgument)
 {
     // Of the valid numbers only the highest: a switch attempt must not move a real machine's display.
-    const std::vector<std::vector<std::string>> cases = {{}, {"63"}, {"063"}, {"0"}, {"64"}, {"abc"}, {"-1"}};
+    // How the text is read is checked in memory; here, what a taken and a refused number do.
+    const std::vector<std::vector<std::string>> cases = {{}, {"63"}, {"64"}, {"abc"}};
     Session s;
     int round = 0;
     for (const auto& args : cases) {
@@ -271,7 +252,7 @@ TEST(Spine, TerminalNumberArgument)
         EXPECT_EQ(s.Screen().Modes().c_cc[VSUSP], valid ? 0 : '\x1a');
         EXPECT_TRUE(TakesKeys(s, "argument-" + std::to_string(++round)));
     }
-    EXPECT_EQ(s.Host().Matching(Record::Syslog, "Invalid VT specified").size(), 4u);
+    EXPECT_EQ(s.Host().Matching(Record::Syslog, "Invalid VT specified").size(), 2u);
 }
 
 } // namespace

@@ -104,34 +104,6 @@ TEST_F(WelcomeWindowTest, WarningsAndTheirOrder) {
     EXPECT_NE(window.GetManagementText()->GetText().find("https://0.0.0.0/ (STATIC)"), std::string::npos);
 }
 
-TEST_F(WelcomeWindowTest, FailuresBeforeTheFirstFillAndAfterIt) {
-    program->Host().LibFault("DnsConfigImpl::GetHostname", "name service down");
-    WelcomeWindow window;
-    EXPECT_NO_THROW(window.Reload());
-    EXPECT_EQ(window.GetManagementText(), nullptr) << "the texts stay unbuilt";
-    ASSERT_NE(window.GetFooterText(), nullptr);
-    ResetState();
-    window.Reload();
-    ASSERT_NE(window.GetManagementText(), nullptr);
-    // A dimmed screen stays dimmed through a reload; a later failure empties the addresses only
-    // (checked end to end).
-    window.SetActive(false);
-    window.Reload();
-    EXPECT_FALSE(window.GetManagementText()->IsActive());
-}
-
-TEST_F(WelcomeWindowTest, CustomMessageTakesTheWholeScreenAndGivesItBack) {
-    ResetState([](json& state) { state["welcomeMessage"] = "Host {hostname}"; });
-    WelcomeWindow window;
-    window.Reload();
-    EXPECT_EQ(window.GetChildren().size(), 1u);
-    EXPECT_EQ(window.GetFooterText(), nullptr);
-    ChangeState([](json& state) { state["welcomeMessage"] = ""; });
-    window.Reload();
-    EXPECT_EQ(window.GetCustomText(), nullptr);
-    EXPECT_EQ(window.GetChildren().size(), 2u);
-}
-
 // The logout records of a session are checked end to end; here, what runs inside a session and
 // that a refused login leaves no records.
 TEST_F(WelcomeWindowTest, F2RunsTheMenuInASessionAndF12TheShutdownOutsideOne) {

@@ -449,12 +449,17 @@ void Console::Send(std::string_view bytes)
         Pump();
         if (exit_)
             return ::testing::AssertionFailure() << "the process ended instead of reading\n" << Describe();
-        if (const auto before = FindReader(pid_, terminal_, true)) {
+        const auto before = FindReader(pid_, terminal_, true);
+        // A reader still blocked as it was when a key or signal went out has not had it yet: the
+        // terminal hands input over a little later. A line-buffered reader wakes only at the line's end.
+        if (before && (!wakeFrom_ || before != wakeFrom_ || (Modes().c_lflag & ICANON))) {
             // Output written just before the block reaches this side a little later.
             const size_t received = received_;
             Pump(Duration(5));
-            if (received_ == received && FindReader(pid_, terminal_, true) == before)
+            if (received_ == received && FindReader(pid_, terminal_, true) == before) {
+                wakeFrom_.reset();
                 return ::testing::AssertionSuccess();
+            }
         }
         if (Clock::now() >= deadline)
             return ::testing::AssertionFailure() << "no read of the terminal within " << timeout.count() << " ms\n"
@@ -475,6 +480,7 @@ bool Console::SendKey(std::string_view key)
         ADD_FAILURE() << "key \"" << shown << "\" not sent: " << reading.message();
         return false;
     }
+    wakeFrom_ = FindReader(pid_, terminal_, true);
     Send(key);
     return true;
 }
@@ -489,8 +495,10 @@ bool Console::Type(std::string_view text)
 
 void Console::Signal(int sig)
 {
-    if (!exit_)
-        kill(pid_, sig);
+    if (exit_)
+        return;
+    wakeFrom_ = FindReader(pid_, terminal_, true);
+    kill(pid_, sig);
 }
 
 void Console::Resize(int rows, int cols)
@@ -610,49 +618,46 @@ bool Console::Running()
 ::testing::AssertionResult Console::WaitFor(const std::function<bool()>& condition, Duration timeout,
                                             std::string_view what)
 {
+    return Await(condition, timeout, what, false);
+}
+
+// Wakes on output, and in any case soon, since the condition may look at files. A wait for the
+// screen alone ends with the process once its output is drained.
+::testing::AssertionResult Console::Await(const std::function<bool()>& condition, Duration timeout,
+                                          std::string_view what, bool screenOnly)
+{
     const auto deadline = Clock::now() + timeout;
     for (;;) {
         Pump();
         if (condition())
             return ::testing::AssertionSuccess();
-        if (Clock::now() >= deadline)
+        if ((screenOnly && exit_) || Clock::now() >= deadline)
             break;
-        // Wake on output, and in any case soon, since the condition may look at files.
         Pump(Duration(std::min(20, MillisLeft(deadline))));
     }
-    return ::testing::AssertionFailure() << what << " not met within " << timeout.count() << " ms\n" << Describe();
+    return ::testing::AssertionFailure() << what << (exit_ ? " not met before the process ended" : " not met within " +
+                                                     std::to_string(timeout.count()) + " ms")
+                                         << "\n" << Describe();
 }
 
 ::testing::AssertionResult Console::WaitForText(std::string_view text, Duration timeout)
 {
-    const auto deadline = Clock::now() + timeout;
-    for (;;) {
-        Pump();
-        if (Find(text))
-            return ::testing::AssertionSuccess();
-        if (exit_ || Clock::now() >= deadline)
-            break;
-        Pump(Duration(std::min(100, MillisLeft(deadline))));
-    }
-    return ::testing::AssertionFailure() << "\"" << text << "\" not shown"
-                                         << (exit_ ? " before the process ended" : " within " + std::to_string(timeout.count()) + " ms")
-                                         << "\n"
-                                         << Describe();
+    return Await([&] { return Find(text).has_value(); }, timeout, "\"" + std::string(text) + "\" shown", true);
 }
 
 ::testing::AssertionResult Console::WaitForFullScreen(std::string_view text, std::string_view absent,
                                                       Duration timeout)
 {
-    return WaitFor(
+    return Await(
         [&] {
             return CellAt(rows_ - 1, cols_ - 1).text == "┘" && Find(text) && (absent.empty() || !Find(absent));
         },
-        timeout, "the whole screen with \"" + std::string(text) + "\"");
+        timeout, "the whole screen with \"" + std::string(text) + "\"", true);
 }
 
 ::testing::AssertionResult Console::WaitForTextGone(std::string_view text, Duration timeout)
 {
-    return WaitFor([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone");
+    return Await([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone", true);
 }
 
 std::optional<ExitInfo> Console::WaitForExit(Duration timeout)
@@ -703,7 +708,9 @@ Cell Console::CellAt(int row, int col) const
     return cell;
 }
 
-std::string Console::Text(int row, int col, int length) const
+std::string Console::Text(int row, int col, int length) const { return RightTrim(Cells(row, col, length)); }
+
+std::string Console::Cells(int row, int col, int length) const
 {
     std::string text;
     for (int c = col; c < col + length && c < cols_; ++c) {
@@ -715,7 +722,7 @@ std::string Console::Text(int row, int col, int length) const
     return text;
 }
 
-std::string Console::Row(int row) const { return RightTrim(Text(row, 0, cols_)); }
+std::string Console::Row(int row) const { return Text(row, 0, cols_); }
 
 std::string Console::ScreenText() const
 {
@@ -772,8 +779,7 @@ std::string Console::Describe() const
     out << "screen (" << cols_ << "x" << rows_ << "):\n";
     out << "+" << std::string(static_cast<size_t>(cols_), '-') << "+\n";
     for (int r = 0; r < rows_; ++r) {
-        std::string row = Text(r, 0, cols_);
-        out << "|" << row << "|\n";
+        out << "|" << Cells(r, 0, cols_) << "|\n";
     }
     out << "+" << std::string(static_cast<size_t>(cols_), '-') << "+\n";
     return out.str();

@@ -137,7 +137,7 @@ public:
     std::string ScreenText() const;
     // One row (0-based), trailing blanks removed.
     std::string Row(int row) const;
-    // `length` cells of a row from `col` (0-based), as shown.
+    // `length` cells of a row from `col` (0-based), as shown, trailing blanks removed.
     std::string Text(int row, int col, int length) const;
     Cell CellAt(int row, int col) const;
     // The first position of `text` on the screen (row, column), if shown.
@@ -156,6 +156,9 @@ public:
 
 private:
     struct Emulator;
+    std::string Cells(int row, int col, int length) const; // untrimmed
+    ::testing::AssertionResult Await(const std::function<bool()>& condition, Duration timeout, std::string_view what,
+                                     bool screenOnly);
     void Reap();
     void Drain();
     void Feed(const char* bytes, size_t length);
@@ -174,6 +177,7 @@ private:
     std::string command_;
     std::string terminal_; // the path of the program's side of the terminal
     size_t received_ = 0;  // bytes of output taken so far
+    std::optional<std::pair<pid_t, std::string>> wakeFrom_; // the reader as a key or signal found it
 };
 
 } // namespace LanyxE2E

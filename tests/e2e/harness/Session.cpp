@@ -59,8 +59,7 @@ void Session::Restart(SessionOptions options)
 std::string Session::RightTitle() const
 {
     const int column = console_->Cols() / 2 + 2;
-    std::string title = console_->Text(1, column, console_->Cols() - column - 4);
-    return title.erase(title.find_last_not_of(' ') + 1);
+    return console_->Text(1, column, console_->Cols() - column - 4);
 }
 
 ::testing::AssertionResult Session::SelectEntry(const std::string& title)
