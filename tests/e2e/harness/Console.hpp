@@ -58,6 +58,7 @@ struct Color {
     Rgb rgb;        // what the terminal shows, palette redefinitions included
 
     bool IsIndex(int i) const { return kind == Kind::Indexed && index == i; }
+    bool operator==(const Color&) const = default;
 };
 
 struct Cell {
