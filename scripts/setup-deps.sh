@@ -5,7 +5,7 @@ set -eu
 PACKAGES="cmake ninja-build g++ clang libclang-rt-14-dev pkg-config make
 libncurses-dev ncurses-term libpam0g-dev libboost-regex-dev libboost-filesystem-dev
 libboost-system-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev libvterm-dev
-faketime libfaketime locales openssl openssh-client less libcrypt-dev procps"
+faketime libfaketime locales openssl openssh-client less libcrypt-dev procps clang-format"
 
 missing=""
 for p in $PACKAGES; do
