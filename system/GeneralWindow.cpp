@@ -7,6 +7,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "auth/LockdownDialog.hpp"
 #include "auth/LoginAccess.hpp"
 #include "core/Globals.hpp"
 #include "core/Keys.hpp"
@@ -17,6 +18,7 @@
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
 #include "restore/switches/Switches.hpp"
+#include "system/RestoreDialog.hpp"
 #include "system/SupportPages.hpp"
 #include "text/LabelItem.hpp"
 #include "text/MessageDialog.hpp"
@@ -415,13 +417,20 @@ void GeneralWindow::RunEntry(uint32_t id)
         }
         Draw();
         break;
+    case Lockdown:
+        // Asked anew: a failed change leaves the mode as the host has it.
+        if (LockdownDialog(this).RunModal())
+            lockdownEnabled = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
+        Draw();
+        break;
+    case ResetConfiguration:
+        RestoreDialog(this).RunModal();
+        break;
     case Password:           // change password dialog
-    case Lockdown:           // lockdown dialog; refreshes lockdownEnabled when it changed the mode
     case ConfigureNetwork:   // network window
     case TestNetwork:        // network test dialog
     case NetworkRestore:     // network restore window
     case Troubleshooting:    // troubleshooting window
-    case ResetConfiguration: // reset dialog
     case Keyboard:           // keyboard layout dialog
     default:
         break;

@@ -4,6 +4,7 @@
 #include "auth/LoginDialog.hpp"
 #include "auth/LoginDisabledDialog.hpp"
 #include "system/GeneralWindow.hpp"
+#include "system/ShutdownDialog.hpp"
 
 namespace Lanyx {
 
@@ -20,7 +21,10 @@ SessionHooks DefaultSessionHooks()
         GeneralWindow menu(owner);
         menu.RunModal();
     };
-    hooks.runShutdown = [](Frame*) {};
+    hooks.runShutdown = [](Frame* owner) {
+        ShutdownDialog shutdown(owner);
+        shutdown.RunModal();
+    };
     return hooks;
 }
 

@@ -1,7 +1,6 @@
 // What the welcome screen runs behind F2 and F12: the login (or the refusal box of a console
 // closed for login), then the System Customization menu or the shutdown dialog. These screens
-// belong to layers above this one; tests pass their own. The shutdown dialog is not built yet:
-// after a login by F12 the welcome screen comes back.
+// belong to layers above this one; tests pass their own.
 #pragma once
 #include <functional>
 #include <memory>
