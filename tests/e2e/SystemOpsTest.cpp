@@ -186,7 +186,8 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
         EXPECT_EQ(ToolRuns("haltGuests"), std::vector<std::string>{c.force ? "--terminate" : ""});
         EXPECT_EQ(ToolRuns("helmq"), std::vector<std::string>{"-U root helmnode/autostartmanager/autostop"});
         EXPECT_FALSE(State()["autostartManager"].value("running", true));
-        for (const json& guest : State()["guests"])
+        const json guests = State()["guests"];
+        for (const json& guest : guests)
             EXPECT_FALSE(guest.value("running", true)) << guest.dump();
         EXPECT_EQ(Count(Record::Syslog, c.logLine), 1u);
         EXPECT_EQ(Count(Record::Notad, c.event), 1u);
@@ -327,7 +328,7 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
             root->Fault(c.faultAfterMenu);
 
         ASSERT_TRUE(Press(*console, Keys::Enter, "<Space> Toggle Selected"));
-        EXPECT_TRUE(console->Find("When enabled, lockdown mode prevents users from logging directly into this host."));
+        EXPECT_TRUE(console->Find("When enabled, lockdown mode prevents users from logging"));
         EXPECT_TRUE(console->Find(c.tickedAtOpen ? "[X] Enable lockdown mode" : "[ ] Enable lockdown mode"))
             << console->Describe();
         for (std::string_view key : c.keys) {
@@ -367,7 +368,7 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     root->Set("ssh-running", "true");
     ASSERT_TRUE(Press(*console, Keys::Enter, "Reset System Configuration now?"));
     EXPECT_TRUE(console->Find("Reset System Configuration: Confirm"));
-    EXPECT_TRUE(console->Find("Warning! All system parameters will be reverted"));
+    EXPECT_TRUE(console->Find("Warning! All system parameters"));
     EXPECT_TRUE(console->Find("<F11> OK  <Esc> Cancel"));
     // Enter is no answer here.
     console->Send(Keys::Enter);
@@ -375,7 +376,8 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     EXPECT_TRUE(root->Matching(Record::Syslog, "Restoring factory defaults").empty());
 
     console->Send(Keys::F(11));
-    ASSERT_TRUE(console->WaitForText("Default settings are restored. Press <Enter> to restart your host."));
+    ASSERT_TRUE(console->WaitForText("Default settings are restored. Press <Enter> to"));
+    EXPECT_TRUE(console->Find("restart your host."));
     EXPECT_TRUE(console->Find("<Enter> Restart Host"));
     EXPECT_FALSE(console->Find("Reset System Configuration now?"));
     EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), 1u);
@@ -460,7 +462,7 @@ TEST_F(SystemOps, IdleLimitEndsTheSessionInsideEachDialog)
          "changed-host"},
         // Reset, not restarted.
         {"restart question", true, "Reset System Configuration", {Keys::Enter, Keys::F(11)},
-         "Press <Enter> to restart your host.", "on", "lanyx-lab01"},
+         "Default settings are restored.", "on", "lanyx-lab01"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
