@@ -6,6 +6,7 @@
 #include "core/Keys.hpp"
 #include "host/CommandRunner.hpp"
 #include "host/Log.hpp"
+#include "text/Footers.hpp"
 
 namespace Lanyx {
 
@@ -21,10 +22,6 @@ enum CatalogueId : uint32_t {
     MessageId = 253,
     CaptionId = 254,
 };
-
-constexpr char kFooter[] = "{color:black}<Space>{/color} {color:dark-grey}Toggle Selected{/color}"
-                           "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  "
-                           "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 
 } // namespace
 
@@ -57,7 +54,7 @@ bool LockdownDialog::Execute()
     SetTitle(CatalogueText(TitleId));
     SetMessage(CatalogueText(MessageId));
     itemList->Draw();
-    SetFooter(kFooter);
+    SetFooter(Footers::kToggleOkCancel);
     for (bool accepted = false; !accepted;) {
         switch (ReadKey(true)) {
         case ' ':

@@ -26,7 +26,7 @@ bool LoginDisabledDialog::Execute()
 {
     SetTitle(CatalogueText(DeniedTitleId));
     SetMessage(HostGreeting(CatalogueText(DisabledLeadId)));
-    SetFooter(kOkFooter);
+    SetFooter(Footers::kOk);
     for (;;) {
         const int key = ReadKey(true);
         if (key == Keys::Enter || key == Keys::Escape)

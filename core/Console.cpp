@@ -16,7 +16,7 @@
 #include "core/Globals.hpp"
 #include "core/InputLoop.hpp"
 #include "core/Startup.hpp"
-#include "core/UniqueFd.hpp"
+#include "host/UniqueFd.hpp"
 #include "host/HostRoot.hpp"
 #include "host/Log.hpp"
 #include "keelson/Lib.hpp"

@@ -5,7 +5,7 @@
 #include <string>
 #include <termios.h>
 
-#include "host/CommandRunner.hpp" // loginUser lives with the command runner
+#include "host/Accounts.hpp"
 
 namespace Lanyx {
 

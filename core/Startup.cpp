@@ -7,7 +7,7 @@
 #include <fstream>
 #include <signal.h>
 
-#include "core/UniqueFd.hpp"
+#include "host/UniqueFd.hpp"
 
 namespace Lanyx {
 

@@ -75,11 +75,14 @@ void Window::SetActive(bool newActive)
         savedCursorY = cursorY;
         ShowCursor(false);
     }
+    // Children first: wbkgd recolours only the cells that carry the window's old background,
+    // and a child's cells are shared with its parent. Were the parent first, lighting it would
+    // take the dimmed cells of its children too, and they would keep the parent's colours.
+    for (const auto& child : children)
+        child->SetActive(newActive);
     if (handle)
         wbkgd(handle.get(), active ? ColorAttr(background, foreground)
                                    : ColorAttr(ColorBlack, ColorDarkGrey));
-    for (const auto& child : children)
-        child->SetActive(newActive);
     Update();
     if (active && !parent) {
         cursorX = savedCursorX;

@@ -2,6 +2,7 @@
 
 #include "host/HostRoot.hpp"
 #include "host/Log.hpp"
+#include "host/UniqueFd.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -19,9 +20,6 @@
 
 namespace Lanyx {
 
-std::string lanyxUser = "lanyx";
-std::string loginUser;
-
 const char* const gridmeshVersionLine =
     "let v=`ostraq --formatter=keyvalue software plank get -n gridmesh-opsagent | awk "
     "'/Version/{ split($0, kv, \"=\"); split(kv[2], ver, \".\"); print ver[1] }'`; "
@@ -32,31 +30,9 @@ namespace {
 constexpr long stepMicroseconds = 20000;
 constexpr int loggedCapture = 255;
 
-class Fd {
-public:
-    Fd() = default;
-    explicit Fd(int fd) : fd_(fd) {}
-    Fd(const Fd&) = delete;
-    Fd& operator=(const Fd&) = delete;
-    ~Fd() { Close(); }
-
-    int Get() const { return fd_; }
-    bool Open() const { return fd_ >= 0; }
-    void Reset(int fd = -1)
-    {
-        if (fd_ >= 0)
-            ::close(fd_);
-        fd_ = fd;
-    }
-    void Close() { Reset(); }
-
-private:
-    int fd_ = -1;
-};
-
 struct Pipe {
-    Fd read;
-    Fd write;
+    UniqueFd read;
+    UniqueFd write;
 
     bool Make()
     {
@@ -72,12 +48,12 @@ struct Pipe {
 // One captured stream: keeps at most the capacity, drops what comes after, so the child never
 // stalls on a full pipe.
 struct Sink {
-    Fd* fd = nullptr;
+    UniqueFd* fd = nullptr;
     char* buffer = nullptr;
     int capacity = 0;
     int kept = 0;
 
-    bool Active() const { return fd && fd->Open(); }
+    bool Active() const { return fd && fd->Valid(); }
 
     // Reads what is there now; closes the descriptor at end of file or on a hard error.
     void Drain()
@@ -100,7 +76,7 @@ struct Sink {
                 continue;
             if (got < 0 && errno == EAGAIN)
                 return;
-            fd->Close();
+            fd->Reset();
         }
     }
 };
@@ -272,7 +248,7 @@ pid_t TesselForkExec(const char* path, const char* const argv[], const char* con
         return -1;
     if (pid == 0)
         StartChild(path, argv, envp, childFds, report.write.Get(), static_cast<int>(openMax));
-    report.write.Close();
+    report.write.Reset();
 
     int startError = 0;
     ssize_t got;
@@ -306,9 +282,9 @@ int RunCommand(const char* path, const char* const argv[], char* out, int* outLe
     static const char* const environment[] = {"PYTHONHOME=/", nullptr};
     const int childFds[3] = {in.read.Get(), output.write.Get(), error.write.Get()};
     const pid_t pid = TesselForkExec(hostPath.c_str(), argv, environment, childFds);
-    in.read.Close();
-    output.write.Close();
-    error.write.Close();
+    in.read.Reset();
+    output.write.Reset();
+    error.write.Reset();
     if (pid < 0)
         return -1;
 
@@ -322,7 +298,7 @@ int RunCommand(const char* path, const char* const argv[], char* out, int* outLe
         SetNonBlocking(in.write.Get());
         FeedInput(in.write.Get(), input, inputLength, sinks, timed, budget);
     }
-    in.write.Close();
+    in.write.Reset();
 
     int status = 0;
     bool collected = false;

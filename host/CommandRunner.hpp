@@ -5,12 +5,9 @@
 
 #include <sys/types.h>
 
-namespace Lanyx {
+#include "host/Accounts.hpp"
 
-// The service account for host-agent queries ("lanyx").
-extern std::string lanyxUser;
-// The operator logged in; empty outside a session.
-extern std::string loginUser;
+namespace Lanyx {
 
 // Starts the program at `path` (a real path, already mapped) with the null-terminated `argv` and
 // `envp`. The child has exactly `childFds` as its descriptors 0, 1 and 2, nothing else, and the

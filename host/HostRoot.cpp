@@ -4,16 +4,18 @@
 
 namespace Lanyx {
 
-const std::string& HostRootPrefix()
+std::string HostRootPrefix()
 {
-    static const std::string prefix = [] {
-        const char* value = std::getenv("LANYX_HOST_ROOT");
-        std::string root = value ? value : "";
-        while (!root.empty() && root.back() == '/')
-            root.pop_back();
-        return root;
-    }();
-    return prefix;
+#if LANYX_HOST_ROOT_SEAM
+    // Read at each call: cheap, and a process that changes its root (a test) gets the new one.
+    const char* value = std::getenv("LANYX_HOST_ROOT");
+    std::string root = value ? value : "";
+    while (!root.empty() && root.back() == '/')
+        root.pop_back();
+    return root;
+#else
+    return {};
+#endif
 }
 
 std::string HostPath(std::string_view absolutePath)

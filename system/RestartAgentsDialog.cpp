@@ -13,6 +13,7 @@
 #include "keelson/Lib.hpp"
 #include "keelson/System.hpp"
 #include "keelson/Util.hpp"
+#include "text/Footers.hpp"
 
 namespace Lanyx {
 
@@ -31,9 +32,6 @@ enum CatalogueId : uint32_t {
     CollectCaptionId = 249,
     CollectingId = 250,
 };
-
-constexpr char kConfirmFooter[] = "{align:right}{color:black}<F11>{/color} {color:dark-grey}OK{/color}  "
-                                  "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 
 // The agent script's lines; the script and its shell are the host's.
 std::string AgentsLine(const char* action)
@@ -95,7 +93,7 @@ bool RestartAgentsDialog::Execute()
 {
     SetTitle(CatalogueText(TitleId));
     SetMessage(CatalogueText(WarningId));
-    SetFooter(kConfirmFooter);
+    SetFooter(Footers::kF11OkCancel);
     progressText->SetText(CatalogueText(QuestionId));
     itemList->Draw();
     std::string doneText;
@@ -140,7 +138,7 @@ bool RestartAgentsDialog::Execute()
     doneText += std::string(CatalogueText(StartingId)) + " Done.{/color}";
     progressText->SetText(doneText);
 
-    SetFooter(kOkFooter);
+    SetFooter(Footers::kOk);
     while (ReadKey(true) != Keys::Enter) {
     }
     return true;

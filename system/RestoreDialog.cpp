@@ -9,6 +9,7 @@
 #include "host/HostRoot.hpp"
 #include "host/Log.hpp"
 #include "host/Records.hpp"
+#include "text/Footers.hpp"
 
 namespace Lanyx {
 
@@ -27,8 +28,6 @@ enum CatalogueId : uint32_t {
     RestoredId = 182,
 };
 
-constexpr char kConfirmFooter[] = "{align:right}{color:black}<F11>{/color} {color:dark-grey}OK{/color}  "
-                                  "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 constexpr char kRestartFooter[] =
     "{align:right}{color:black}<Enter>{/color} {color:dark-grey}Restart Host{/color}{/align}";
 
@@ -44,7 +43,7 @@ bool RestoreDialog::Execute()
     SetTitle(CatalogueText(ConfirmTitleId));
     SetMessage(CatalogueText(WarningId));
     questionText->SetText(CatalogueText(QuestionId));
-    SetFooter(kConfirmFooter);
+    SetFooter(Footers::kF11OkCancel);
     for (;;) {
         const int key = ReadKey(true);
         if (key == Keys::Escape)

@@ -1,24 +1,28 @@
 #include "text/Dialog.hpp"
 
+#include "text/ColorRoles.hpp"
+
 namespace Lanyx {
 
 Dialog::Dialog(Frame* owner, int width, int height, int titleHeight)
-    : Frame(owner, (COLS - width) / 2, (LINES - height) / 2, width, height, 0, 7) {
+    : Frame(owner, (COLS - width) / 2, (LINES - height) / 2, width, height, Roles::Frame.background,
+            Roles::Frame.foreground) {
     if (handle) {
         werase(handle.get());
     }
     const int bodyHeight = height - titleHeight;
-    titlePane = CreateChild(0, 0, width, titleHeight, 6, 7);
-    bodyPane = CreateChild(0, titleHeight, width, bodyHeight, 3, 7);
+    titlePane = CreateChild(0, 0, width, titleHeight, Roles::TitlePane.background, Roles::TitlePane.foreground);
+    bodyPane = CreateChild(0, titleHeight, width, bodyHeight, Roles::Body.background, Roles::Body.foreground);
     // The panes share the dialog's cells, so the frame line shows through both.
     if (handle) {
         box(handle.get(), 0, 0);
     }
-    titleText = new TextArea(titlePane, 3, 1, width - 6, 1, 7);
-    messageText = new TextArea(titlePane, 3, 3, width - 6, titleHeight - 4, 2);
-    footerText = new TextArea(bodyPane, 2, bodyHeight - 2, width - 4, 1, 0);
+    titleText = new TextArea(titlePane, 3, 1, width - 6, 1, Roles::TitleText);
+    messageText = new TextArea(titlePane, 3, 3, width - 6, titleHeight - 4, Roles::MessageText);
+    footerText = new TextArea(bodyPane, 2, bodyHeight - 2, width - 4, 1, Roles::FooterText);
     if (bodyHeight - 4 >= 1) {
-        contentWindow = bodyPane->CreateChild(2, 1, width - 4, bodyHeight - 4, 3, 6);
+        contentWindow = bodyPane->CreateChild(2, 1, width - 4, bodyHeight - 4, Roles::Content.background,
+                                                  Roles::Content.foreground);
     }
 }
 

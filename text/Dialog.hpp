@@ -4,13 +4,10 @@
 #include <string>
 
 #include "core/Frame.hpp"
+#include "text/Footers.hpp"
 #include "text/TextArea.hpp"
 
 namespace Lanyx {
-
-// The footer of every box that shows a text and waits for Enter.
-inline constexpr const char* kOkFooter =
-    "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
 
 class Dialog : public Frame {
 public:

@@ -1,5 +1,7 @@
 #include "text/Item.hpp"
 
+#include "text/ColorRoles.hpp"
+
 namespace Lanyx {
 
 void Item::SetSelected(bool newSelected) {
@@ -12,7 +14,7 @@ void Item::SetSelected(bool newSelected) {
 
 void Item::SetEnabled(bool newEnabled) {
     enabled = newEnabled;
-    foreground = enabled ? 0 : 6;
+    foreground = enabled ? Roles::Row.foreground : Roles::Dimmed.foreground;
 }
 
 void Item::SetColors(int newBackground, int newForeground) {

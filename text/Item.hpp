@@ -21,6 +21,8 @@ public:
     void SetSelected(bool selected);
     // A disabled item is drawn dark grey and is skipped by the selection.
     void SetEnabled(bool enabled);
+    // An item that is not selectable is skipped and not counted by the selection.
+    void SetSelectable(bool newSelectable) { selectable = newSelectable; }
     // Colours of the row while the item is not selected.
     void SetColors(int background, int foreground);
 
@@ -36,7 +38,7 @@ protected:
     bool selectable;
     bool selected = false;
     bool enabled = true;
-    int32_t background = 3;
+    int32_t background = 3; // the amber and black of Roles::Row
     int32_t foreground = 0;
 };
 

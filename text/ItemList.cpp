@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "text/ColorRoles.hpp"
 #include "text/TextArea.hpp"
 
 namespace Lanyx {
@@ -49,7 +50,7 @@ void ItemList::Draw() {
         const bool isSelected = i == selectedRow;
         item->SetSelected(isSelected);
         if (isSelected) {
-            rowTexts[i]->SetColors(0, 7);
+            rowTexts[i]->SetColors(Roles::Selection.background, Roles::Selection.foreground);
         } else {
             rowTexts[i]->SetColors(item->GetBackground(), item->GetForeground());
             item->Draw(rowTexts[i]);

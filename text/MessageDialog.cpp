@@ -25,7 +25,7 @@ MessageDialog::MessageDialog(Frame* owner, uint32_t titleId, std::string message
 bool MessageDialog::Execute() {
     SetTitle(CatalogueText(titleId));
     SetMessage(message);
-    SetFooter(kOkFooter);
+    SetFooter(Footers::kOk);
     while (ReadKey(true) != Keys::Enter) {
     }
     return true;

@@ -12,7 +12,7 @@ NotificationDialog::NotificationDialog(Frame* owner, int width, int height, int 
 bool NotificationDialog::Execute() {
     SetTitle(title);
     SetMessage(message);
-    SetFooter(kOkFooter);
+    SetFooter(Footers::kOk);
     while (ReadKey(true) != Keys::Enter) {
     }
     return true;

@@ -3,15 +3,17 @@
 #include <cstring>
 
 #include "host/Log.hpp"
+#include "text/ColorRoles.hpp"
 
 namespace Lanyx {
 
-RootWindow::RootWindow(Frame* owner) : Frame(owner, 0, 0, COLS, LINES, 0, 7) {
+RootWindow::RootWindow(Frame* owner) : Frame(owner, 0, 0, COLS, LINES, Roles::Frame.background, Roles::Frame.foreground) {
     const int half = COLS / 2;
-    mainArea = CreateChild(0, 0, COLS, LINES - 1, 2, 7);
-    statusLine = CreateChild(0, LINES - 1, COLS, 1, 0, 2);
-    leftPane = mainArea->CreateChild(0, 0, half, LINES - 1, 3, 7);
-    rightPane = mainArea->CreateChild(half, 0, half, LINES - 1, 6, 7);
+    mainArea = CreateChild(0, 0, COLS, LINES - 1, Roles::MainArea.background, Roles::MainArea.foreground);
+    statusLine = CreateChild(0, LINES - 1, COLS, 1, Roles::StatusLine.background, Roles::StatusLine.foreground);
+    leftPane = mainArea->CreateChild(0, 0, half, LINES - 1, Roles::ListPane.background, Roles::ListPane.foreground);
+    rightPane = mainArea->CreateChild(half, 0, half, LINES - 1, Roles::DetailPane.background,
+                                      Roles::DetailPane.foreground);
     if (WINDOW* area = mainArea->GetHandle()) {
         box(area, 0, 0);
         // Separates the captions from the content.

@@ -1,6 +1,7 @@
 // What the welcome screen runs behind F2 and F12: the login (or the refusal box of a console
-// closed for login), then the System Customization menu or the shutdown dialog. These screens
-// belong to layers above this one; tests pass their own.
+// closed for login), then the System Customization menu or the shutdown dialog. The welcome
+// screen does not link those screens: the program plugs them in (core/SessionWiring.hpp) and
+// tests pass their own.
 #pragma once
 #include <functional>
 #include <memory>
@@ -18,8 +19,5 @@ struct SessionHooks {
     // The shutdown dialog after a login by F12, run modally over `owner`.
     std::function<void(Frame* owner)> runShutdown;
 };
-
-// The screens of the console as they are wired up in this build.
-SessionHooks DefaultSessionHooks();
 
 } // namespace Lanyx

@@ -14,7 +14,8 @@ extern bool adapterAlertSent;
 
 class WelcomeWindow : public Frame {
 public:
-    explicit WelcomeWindow(SessionHooks hooks = DefaultSessionHooks());
+    // Without hooks F2 and F12 lead nowhere; the program passes its own (core/SessionWiring.hpp).
+    explicit WelcomeWindow(SessionHooks hooks = {});
     ~WelcomeWindow() override;
 
     // Never returns in ordinary running.

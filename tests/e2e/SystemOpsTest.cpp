@@ -10,117 +10,67 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "harness/Console.hpp"
-#include "harness/HostRoot.hpp"
+#include "harness/Session.hpp"
 
 using namespace LanyxE2E;
 using nlohmann::json;
 
 namespace {
 
-constexpr const char* kWelcomeReady = "To manage this host, go to:";
 constexpr const char* kShutdownFooter = "<F2> Shut Down  <F11> Restart";
 constexpr const char* kForceOff = "[ ] Forcefully terminate running VMs, if any ...";
 constexpr const char* kForceOn = "[X] Forcefully terminate running VMs, if any ...";
 constexpr const char* kTimedOut = "]: User root logged out due to time out";
 
-std::string Trimmed(std::string text)
-{
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
-}
-
-// The menu's right title on 80 x 25.
-std::string RightTitle(const Console& console) { return Trimmed(console.Text(1, 42, 34)); }
-
 class SystemOps : public ::testing::Test {
 protected:
-    std::unique_ptr<Console> Start(const std::string& profile = "default", const std::string& idleLimit = "",
-                                   const std::string& faketime = "")
+    Console* Start(const std::string& idleLimit = "", const std::string& faketime = "")
     {
-        root = std::make_unique<HostRoot>(profile);
+        SessionOptions options;
         if (!idleLimit.empty())
-            root->Set("lanyx-timeout", idleLimit);
-        ConsoleOptions options = LanyxOptions(root->Path());
+            options.settings.emplace_back("lanyx-timeout", idleLimit);
         options.faketime = faketime;
-        auto console = std::make_unique<Console>(options);
-        EXPECT_TRUE(console->WaitForFullScreen(kWelcomeReady));
-        return console;
+        session = std::make_unique<Session>("default", options);
+        root = &session->Host();
+        EXPECT_TRUE(session->AwaitWelcome());
+        return &session->Screen();
     }
 
-    // Logs in as root behind `key` (F2 or F12). Keys typed while a box opens are dropped, so the
-    // key is repeated until the login box shows.
-    static ::testing::AssertionResult LogIn(Console& console, std::string_view key)
+    // The shutdown dialog after a login as root by F12, ready for keys.
+    Console* OpenShutdown(const std::string& idleLimit = "", const std::string& faketime = "")
     {
-        if (!console.WaitFor(
-                [&] {
-                    console.Send(key);
-                    console.Pump(300ms);
-                    return console.Find("[ root").has_value();
-                },
-                10s, "the login box"))
-            return ::testing::AssertionFailure() << console.Describe();
-        console.Send(Keys::Enter);
-        if (!console.WaitFor([&] { return console.Find("Password: ").has_value(); }, 10s, "the password"))
-            return ::testing::AssertionFailure() << console.Describe();
-        console.Send("lanyx-Root1");
-        if (!console.WaitForText("***********"))
-            return ::testing::AssertionFailure() << console.Describe();
-        console.Send(Keys::Enter);
-        return ::testing::AssertionSuccess();
-    }
-
-    // The shutdown dialog after a login by F12, drawn whole (its footer comes last).
-    std::unique_ptr<Console> OpenShutdown(const std::string& idleLimit = "", const std::string& faketime = "")
-    {
-        auto console = Start("default", idleLimit, faketime);
-        EXPECT_TRUE(LogIn(*console, Keys::F(12)));
+        Console* console = Start(idleLimit, faketime);
+        EXPECT_TRUE(session->Key(Keys::F(12)));
+        EXPECT_TRUE(console->WaitForText("Authentication Required"));
+        EXPECT_TRUE(session->Settle());
+        EXPECT_TRUE(session->Type("root") && session->Key(Keys::Enter) && session->Type(kRootPassword) &&
+                    session->Key(Keys::Enter));
         EXPECT_TRUE(console->WaitForText(kShutdownFooter)) << console->Describe();
+        EXPECT_TRUE(session->Settle());
         EXPECT_TRUE(console->Find(kForceOff)) << console->Describe();
         return console;
     }
 
     // The menu after a login by F2, with `title` selected.
-    std::unique_ptr<Console> OpenMenuAt(const std::string& title, const std::string& idleLimit = "",
-                                        const std::string& faketime = "")
+    Console* OpenMenuAt(const std::string& title, const std::string& idleLimit = "", const std::string& faketime = "")
     {
-        auto console = Start("default", idleLimit, faketime);
-        EXPECT_TRUE(LogIn(*console, Keys::F(2)));
-        EXPECT_TRUE(console->WaitFor([&] { return RightTitle(*console) == "Configure Password"; }, 10s, "the menu"));
-        while (RightTitle(*console) != title) {
-            const std::string before = RightTitle(*console);
-            console->Send(Keys::Down);
-            if (!console->WaitFor([&] { return RightTitle(*console) != before; }, 5s, "a move from " + before)) {
-                ADD_FAILURE() << "no entry " << title << "\n" << console->Describe();
-                break;
-            }
-        }
-        EXPECT_TRUE(console->WaitFor([&] { return !Trimmed(console->Text(22, 41, 37)).empty(); }, 5s, "the footer"));
+        Console* console = Start(idleLimit, faketime);
+        EXPECT_TRUE(session->LogIn());
+        EXPECT_TRUE(session->SelectEntry(title));
         return console;
     }
 
-    // One key to a screen that stands whole, then `shown`.
-    static ::testing::AssertionResult Press(Console& console, std::string_view key, std::string_view shown)
+    // One key to a screen that reads keys, then `shown`.
+    ::testing::AssertionResult Press(std::string_view key, std::string_view shown)
     {
-        console.Send(key);
-        return console.WaitForText(shown);
+        if (!session->Key(key))
+            return ::testing::AssertionFailure() << "key not sent";
+        return session->Screen().WaitForText(shown);
     }
 
-    // Sends `key` until `shown` appears: the first one may reach a screen that is still opening.
-    static ::testing::AssertionResult PressUntil(Console& console, std::string_view key, std::string_view shown)
-    {
-        return console.WaitFor(
-            [&] {
-                if (console.Find(shown))
-                    return true;
-                console.Send(key);
-                console.Pump(300ms);
-                return console.Find(shown).has_value();
-            },
-            10s, std::string("\"") + std::string(shown) + "\"");
-    }
+    std::string RightTitle() const { return session->RightTitle(); }
 
-    json State() const { return json::parse(root->ReadFile("/var/lib/hostsim/state.json")); }
+    json State() const { return root->State(); }
 
     // Tool records of `tool`, oldest first, each as its arguments joined by blanks.
     std::vector<std::string> ToolRuns(const std::string& tool) const
@@ -139,7 +89,8 @@ protected:
 
     size_t Count(Record record, std::string_view text) const { return root->Matching(record, text).size(); }
 
-    std::unique_ptr<HostRoot> root;
+    std::unique_ptr<Session> session;
+    HostRoot* root = nullptr;
 };
 
 // ---------------------------------------------------------------- shut down and restart
@@ -163,18 +114,18 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.action + (c.force ? " forced" : " graceful"));
-        auto console = OpenShutdown();
+        Console* console = OpenShutdown();
         EXPECT_TRUE(console->Find("Shut Down/Restart"));
         EXPECT_TRUE(console->Find("Remote management software is recommended"));
         // Enter accepts nothing here.
-        console->Send(Keys::Enter);
+        ASSERT_TRUE(session->Key(Keys::Enter));
         if (c.force) {
-            ASSERT_TRUE(Press(*console, " ", kForceOn));
+            ASSERT_TRUE(Press(" ", kForceOn));
         }
         console->Pump(200ms);
         EXPECT_TRUE(root->Matching(Record::Syslog, c.logLine).empty()) << "Enter ran nothing";
 
-        console->Send(c.key);
+        ASSERT_TRUE(session->Key(c.key));
         ASSERT_TRUE(console->WaitForText(c.message)) << console->Describe();
         EXPECT_TRUE(console->Find(c.title));
         ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == c.powerState; }, 10s,
@@ -195,7 +146,7 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
 
         // The host goes down around the console: no key leads anywhere.
         for (std::string_view key : {Keys::Escape, Keys::Enter, Keys::F(2), Keys::F(11)})
-            console->Send(key);
+            ASSERT_TRUE(session->Key(key));
         console->Pump(500ms);
         EXPECT_TRUE(console->Find(c.message)) << console->Describe();
         EXPECT_EQ(State()["power"]["history"].size(), 1u);
@@ -205,12 +156,12 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
 
 TEST_F(SystemOps, EscapeLeavesTheShutdownDialogWithoutARecord)
 {
-    auto console = OpenShutdown();
-    ASSERT_TRUE(Press(*console, " ", kForceOn));
-    console->Send(" ");
+    Console* console = OpenShutdown();
+    ASSERT_TRUE(Press(" ", kForceOn));
+    ASSERT_TRUE(session->Key(" "));
     ASSERT_TRUE(console->WaitForText(kForceOff));
-    console->Send(Keys::Escape);
-    ASSERT_TRUE(console->WaitForFullScreen(kWelcomeReady, kShutdownFooter));
+    ASSERT_TRUE(session->Key(Keys::Escape));
+    ASSERT_TRUE(session->AwaitWelcome());
     EXPECT_TRUE(root->Matching(Record::Syslog, "]: Shutting down host").empty());
     EXPECT_TRUE(root->Matching(Record::Syslog, "]: Rebooting host").empty());
     EXPECT_TRUE(root->Lines(Record::Notad).empty());
@@ -232,10 +183,10 @@ TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.tool);
-        auto console = OpenShutdown();
+        Console* console = OpenShutdown();
         root->Fault({"tool", c.tool, "signal"});
-        ASSERT_TRUE(Press(*console, " ", kForceOn));
-        console->Send(c.key);
+        ASSERT_TRUE(Press(" ", kForceOn));
+        ASSERT_TRUE(session->Key(c.key));
         ASSERT_TRUE(root->WaitForLine(Record::Syslog, "]: Run Command did not terminate normally"));
         ASSERT_TRUE(console->WaitFor([&] { return console->Find(kShutdownFooter) && console->Find(kForceOn); }, 10s,
                                      "the shutdown dialog again"))
@@ -250,7 +201,7 @@ TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick)
         // Once the tool works again the same dialog carries the operation out.
         root->Fault({"clear", c.tool});
         const std::string progress = c.tool == "poweroff" ? "Shutdown in progress..." : "Restart in progress...";
-        ASSERT_TRUE(PressUntil(*console, c.key, progress));
+        ASSERT_TRUE(Press(c.key, progress));
         EXPECT_TRUE(console->WaitFor([&] { return State()["power"]["history"].size() == 1u; }, 10s, "the power record"));
     }
 }
@@ -258,12 +209,12 @@ TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick)
 TEST_F(SystemOps, AbsentPowerCommandStillEndsInTheEndlessWait)
 {
     // Only a shell that cannot start brings the operator back; a missing command does not.
-    auto console = OpenShutdown();
+    Console* console = OpenShutdown();
     root->Fault({"tool", "poweroff", "absent"});
-    console->Send(Keys::F(2));
+    ASSERT_TRUE(session->Key(Keys::F(2)));
     ASSERT_TRUE(console->WaitForText("Shutdown in progress..."));
     ASSERT_TRUE(console->WaitFor([&] { return ToolRuns("haltGuests").size() == 1u; }, 10s, "the guests halted"));
-    console->Send(Keys::Escape);
+    ASSERT_TRUE(session->Key(Keys::Escape));
     console->Pump(500ms);
     EXPECT_TRUE(console->Find("Shutdown in progress...")) << console->Describe();
     EXPECT_EQ(State()["power"].value("state", ""), "on");
@@ -271,9 +222,9 @@ TEST_F(SystemOps, AbsentPowerCommandStillEndsInTheEndlessWait)
 
 TEST_F(SystemOps, AutostopRefusedForTheOperatorRunsAsTheConsolesOwnUser)
 {
-    auto console = OpenShutdown();
+    Console* console = OpenShutdown();
     root->Set("helmq-users", "");
-    console->Send(Keys::F(11));
+    ASSERT_TRUE(session->Key(Keys::F(11)));
     ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; }, 10s, "the reboot"));
     EXPECT_EQ(Count(Record::Syslog, "]: Unable to execute command helmq helmnode/autostartmanager/autostop using "
                                     "user root. Using user lanyx"),
@@ -314,26 +265,23 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        root.reset();
-        auto console = Start();
+        Console* console = Start();
         root->Set("lockdown-enabled", c.enabledBefore ? "true" : "false");
-        ASSERT_TRUE(LogIn(*console, Keys::F(2)));
-        ASSERT_TRUE(console->WaitFor([&] { return RightTitle(*console) == "Configure Password"; }, 10s, "the menu"));
-        console->Send(Keys::Down);
-        ASSERT_TRUE(console->WaitFor([&] { return RightTitle(*console) == "Configure Lockdown Mode"; }, 5s, "entry"));
+        ASSERT_TRUE(session->LogIn());
+        ASSERT_TRUE(session->SelectEntry("Configure Lockdown Mode"));
         ASSERT_TRUE(console->WaitForText(c.enabledBefore ? "Enabled" : "Disabled"));
         if (!c.setAfterMenu.empty())
             root->Set(c.setAfterMenu[0], c.setAfterMenu[1]);
         if (!c.faultAfterMenu.empty())
             root->Fault(c.faultAfterMenu);
 
-        ASSERT_TRUE(Press(*console, Keys::Enter, "<Space> Toggle Selected"));
+        ASSERT_TRUE(Press(Keys::Enter, "<Space> Toggle Selected"));
         EXPECT_TRUE(console->Find("When enabled, lockdown mode prevents users from logging"));
         EXPECT_TRUE(console->Find(c.tickedAtOpen ? "[X] Enable lockdown mode" : "[ ] Enable lockdown mode"))
             << console->Describe();
         for (std::string_view key : c.keys) {
             const bool toggles = key == " ";
-            console->Send(key);
+            ASSERT_TRUE(session->Key(key));
             if (toggles) {
                 ASSERT_TRUE(console->WaitForText(c.tickedAtOpen ? "[ ] Enable" : "[X] Enable"));
             }
@@ -362,20 +310,20 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
 
 TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
 {
-    auto console = OpenMenuAt("Reset System Configuration");
+    Console* console = OpenMenuAt("Reset System Configuration");
     root->Set("hostname", "changed-host");
     root->Set("lockdown-enabled", "true");
     root->Set("ssh-running", "true");
-    ASSERT_TRUE(Press(*console, Keys::Enter, "Reset System Configuration now?"));
+    ASSERT_TRUE(Press(Keys::Enter, "Reset System Configuration now?"));
     EXPECT_TRUE(console->Find("Reset System Configuration: Confirm"));
     EXPECT_TRUE(console->Find("Warning! All system parameters"));
     EXPECT_TRUE(console->Find("<F11> OK  <Esc> Cancel"));
     // Enter is no answer here.
-    console->Send(Keys::Enter);
+    ASSERT_TRUE(session->Key(Keys::Enter));
     console->Pump(300ms);
     EXPECT_TRUE(root->Matching(Record::Syslog, "Restoring factory defaults").empty());
 
-    console->Send(Keys::F(11));
+    ASSERT_TRUE(session->Key(Keys::F(11)));
     ASSERT_TRUE(console->WaitForText("Default settings are restored. Press <Enter> to"));
     EXPECT_TRUE(console->Find("restart your host."));
     EXPECT_TRUE(console->Find("<Enter> Restart Host"));
@@ -391,10 +339,10 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     EXPECT_EQ(state["power"].value("state", ""), "on") << "not restarted before Enter";
 
     for (std::string_view key : {Keys::Escape, Keys::F(11), std::string_view(" ")})
-        console->Send(key);
+        ASSERT_TRUE(session->Key(key));
     console->Pump(300ms);
     EXPECT_EQ(State()["power"].value("state", ""), "on");
-    console->Send(Keys::Enter);
+    ASSERT_TRUE(session->Key(Keys::Enter));
     ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; }, 10s, "reboot"));
     const json history = State()["power"]["history"];
     ASSERT_EQ(history.size(), 1u);
@@ -421,15 +369,15 @@ TEST_F(SystemOps, ResetThatDoesNotHappen)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        auto console = OpenMenuAt("Reset System Configuration");
+        Console* console = OpenMenuAt("Reset System Configuration");
         root->Set("hostname", "changed-host");
         if (!c.fault.empty())
             root->Fault(c.fault);
-        ASSERT_TRUE(Press(*console, Keys::Enter, "Reset System Configuration now?"));
-        console->Send(c.key);
+        ASSERT_TRUE(Press(Keys::Enter, "Reset System Configuration now?"));
+        ASSERT_TRUE(session->Key(c.key));
         ASSERT_TRUE(console->WaitForTextGone("Reset System Configuration now?"));
         // Back in the menu, with no message of its own.
-        ASSERT_TRUE(console->WaitFor([&] { return RightTitle(*console) == "Reset System Configuration"; }, 5s, "menu"));
+        ASSERT_TRUE(console->WaitFor([&] { return RightTitle() == "Reset System Configuration"; }, 5s, "menu"));
         console->Pump(300ms);
         EXPECT_FALSE(console->Find("Default settings are restored.")) << console->Describe();
         EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), c.records);
@@ -466,19 +414,13 @@ TEST_F(SystemOps, IdleLimitEndsTheSessionInsideEachDialog)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        std::unique_ptr<Console> console;
-        if (c.fromMenu) {
-            console = OpenMenuAt(c.entry, "120", "+0 x20");
-        } else {
-            console = Start("default", "120", "+0 x20");
-            ASSERT_TRUE(LogIn(*console, Keys::F(12)));
-            ASSERT_TRUE(console->WaitForText(kShutdownFooter));
-        }
+        Console* console =
+            c.fromMenu ? OpenMenuAt(c.entry, "120", "+0 x20") : OpenShutdown("120", "+0 x20");
         root->Set("hostname", "changed-host");
         for (std::string_view key : c.keys)
-            ASSERT_TRUE(Press(*console, key, key == c.keys.back() ? c.shown : "Reset System Configuration now?"));
+            ASSERT_TRUE(Press(key, key == c.keys.back() ? c.shown : "Reset System Configuration now?"));
         ASSERT_TRUE(root->WaitForLine(Record::Syslog, kTimedOut, 20s));
-        ASSERT_TRUE(console->WaitForFullScreen(kWelcomeReady));
+        ASSERT_TRUE(session->AwaitWelcome());
         EXPECT_TRUE(root->WaitForLine(Record::Audit,
                                       "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
         EXPECT_EQ(State()["power"].value("state", ""), c.powerState);

@@ -10,36 +10,27 @@
 #include <gtest/gtest.h>
 
 #include "CursesScreen.hpp"
-#include "WelcomeTestRoot.hpp"
+#include "HostRoot.hpp"
 #include "core/StringFactory.hpp"
-#include "store/StateStore.hpp"
 #include "system/RestartAgentsDialog.hpp"
 
 namespace Lanyx {
 namespace {
 
+using LanyxTest::Record;
 using nlohmann::json;
-using WelcomeTest::Matching;
-using WelcomeTest::ResetState;
-using WelcomeTest::syslogPath;
 
 const auto* const screen = Testing::AddCursesScreen(25, 80, "xterm");
+LanyxTest::ProgramHost* const host = LanyxTest::AddProgramHost("default");
 
 constexpr char kF11[] = "\x1b[23~";
-constexpr char notadPath[] = "/var/log/notad.log";
+std::string CorePath() { return host->Host().File("/var/log/helmd-restart1.core"); }
 
-std::string CorePath() { return WelcomeTest::Root() + "/var/log/helmd-restart1.core"; }
+json State() { return host->Host().State(); }
 
-json State() { return HostSim::StateStore(WelcomeTest::Root()).Read(); }
+size_t Count(Record record, const std::string& text) { return host->Host().Matching(record, text).size(); }
 
-// Events are not among the records the root marks at a reset: counted from the file's whole text.
-size_t EventCount()
-{
-    size_t count = 0;
-    for (const std::string& line : WelcomeTest::RecordLines(notadPath))
-        count += line.find("@&!*@*@(nota.user.lanyx.restarting.hostagents)Restarting host agents") != std::string::npos;
-    return count;
-}
+size_t EventCount() { return Count(Record::Notad, "@&!*@*@(nota.user.lanyx.restarting.hostagents)Restarting host agents"); }
 
 std::vector<std::string> ToolRuns(const std::string& tool)
 {
@@ -71,7 +62,7 @@ class RestartAgentsDialogTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ResetState();
+        host->Reset();
         std::filesystem::remove(CorePath());
         SetStringFactorySource(&GetStringFactory);
         keypad(stdscr, TRUE);
@@ -109,7 +100,7 @@ TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ResetState([&](json& state) {
+        host->Reset([&](json& state) {
             if (!c.toolFault.empty())
                 state["faults"]["tool"][c.toolFault] = {{"exit", 1}};
         });
@@ -121,17 +112,17 @@ TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore)
         EXPECT_EQ(dialog.GetProgressText()->GetText(), c.progress);
         EXPECT_EQ(dialog.GetFooterText()->GetText(),
                   "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}");
-        EXPECT_EQ(Matching(syslogPath, "]: Restarting host agents").size(), 1u);
+        EXPECT_EQ(Count(Record::Syslog, "]: Restarting host agents"), 1u);
         EXPECT_EQ(EventCount(), eventsBefore + 1);
         if (c.toolFault != "agents.sh") {
             EXPECT_EQ(ToolRuns("agents.sh"), (std::vector<std::string>{"stop", "start"}));
             EXPECT_TRUE(State()["hostAgent"].value("running", false));
         }
         if (!c.threadLine.empty()) {
-            EXPECT_TRUE(Eventually([&] { return !Matching(syslogPath, c.threadLine).empty(); })) << c.threadLine;
+            EXPECT_TRUE(Eventually([&] { return Count(Record::Syslog, c.threadLine) > 0; })) << c.threadLine;
             EXPECT_TRUE(Eventually([&] { return ToolRuns("tesseltrace") == c.traces; }));
         } else {
-            EXPECT_TRUE(Matching(syslogPath, "tesseltrace").empty());
+            EXPECT_EQ(Count(Record::Syslog, "tesseltrace"), 0u);
         }
         if (c.alert) {
             EXPECT_TRUE(Eventually([] {
@@ -153,7 +144,7 @@ TEST_F(RestartAgentsDialogTest, EscapeBeforeF11ChangesNothing)
     EXPECT_EQ(dialog.GetProgressText()->GetText(), "Restart management agents now?");
     EXPECT_TRUE(dialog.GetCollectItem()->IsChecked());
     EXPECT_TRUE(ToolRuns("agents.sh").empty());
-    EXPECT_TRUE(Matching(syslogPath, "Restarting host agents").empty());
+    EXPECT_EQ(Count(Record::Syslog, "Restarting host agents"), 0u);
     EXPECT_EQ(EventCount(), eventsBefore);
 }
 

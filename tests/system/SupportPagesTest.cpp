@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "system/SupportPages.hpp"
+#include "system/menu/SupportPages.hpp"
 
 namespace {
 

@@ -65,7 +65,7 @@ TEST_F(CommonDialogsTest, NotificationsCentredAndInvisibleWhenTooWide) {
 
 TEST_F(CommonDialogsTest, InfoDialogShowsItsBodyFromTheStart) {
     InfoDialog dialog{nullptr, "Name: tnic0\nMAC Address: 00:50:56:01:02:03", "Tessel NIC Details",
-                      "Tessel NIC Name: tnic0", kOkFooter};
+                      "Tessel NIC Name: tnic0", Footers::kOk};
     WINDOW* cells = dialog.GetHandle();
     EXPECT_EQ(dialog.GetY(), 4);
     EXPECT_EQ(RowText(cells, 3, 3, 64), "Tessel NIC Name: tnic0");

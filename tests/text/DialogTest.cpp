@@ -37,7 +37,7 @@ TEST_F(DialogTest, CentredWithTitleMessageAndFooterInTheirPlaces) {
     dialog.SetTitle("Title {color:red}here{/color}");
     dialog.SetMessage(
         "one two three four five six seven eight nine ten eleven twelve thirteen fourteen");
-    dialog.SetFooter(kOkFooter);
+    dialog.SetFooter(Footers::kOk);
     EXPECT_EQ(RowText(cells, 3, 1, 64), "Title here");
     EXPECT_EQ(PairAt(cells, 9, 1), PairOf(6, 1));
     EXPECT_EQ(RowText(cells, 1, 2, 68), "") << "row 2 of the title pane stays empty";
@@ -91,7 +91,7 @@ TEST(DialogOutsideTheScreen, TooLargeForTheScreenRunsInvisibly) {
     EXPECT_EQ(wide.GetFooterText()->GetHandle(), nullptr);
     wide.SetTitle("Title");
     wide.SetMessage("Message");
-    wide.SetFooter(kOkFooter);
+    wide.SetFooter(Footers::kOk);
     wide.SetActive(false);
     wide.RedrawTree();
     Type("\x1b x\n");

@@ -1,4 +1,4 @@
-#include "system/SupportPages.hpp"
+#include "system/menu/SupportPages.hpp"
 
 #include <fstream>
 

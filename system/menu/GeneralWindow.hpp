@@ -3,50 +3,37 @@
 #pragma once
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "text/Item.hpp"
-#include "text/RootWindow.hpp"
+#include "text/MenuWindow.hpp"
 
 namespace Lanyx {
 
-class GeneralWindow : public RootWindow {
+class GeneralWindow : public MenuWindow {
 public:
     explicit GeneralWindow(Frame* owner);
     ~GeneralWindow() override;
 
-    // True when the operator logs out with Escape.
-    bool Execute() override;
-    void Reload() override;
-    void UpdateContent() override;
-
-    // A line of the menu labelled with catalogue text `id`.
-    void AddEntry(uint32_t id, bool selectable);
-    // Greys the label of an entry that was added not selectable.
-    void DisableEntry(uint32_t id);
-    // Right title, right footer and text for the selected entry.
-    void ShowSelectedEntry();
-
-    // Catalogue id of the selected line.
-    uint32_t GetSelectedEntry() const;
+protected:
+    void ShowSelectedEntry() override;
+    // Runs what Enter on entry `id` opens.
+    void RunEntry(uint32_t id) override;
+    // Page Up and Down on the support pages, a digit on the log table.
+    void HandleOtherKey(uint32_t id, int key) override;
+    void LeavingEntry(uint32_t id) override;
 
 private:
     std::string ManagementSummary();
     std::string SupportText() const;
     // Refreshes which logs exist, so that the digits follow the numbers on the screen.
     std::string LogTable();
-    // Runs what Enter on entry `id` opens.
-    void RunEntry(uint32_t id);
     // The log under `number` on the screen in the pager; nothing for a number not shown.
     void ViewLog(int number);
 
     std::vector<std::string> supportPages;
     uint32_t supportPage = 0;
-    std::vector<std::unique_ptr<Item>> menuItems;
     bool lockdownEnabled = false;
-    std::vector<uint32_t> entryIds;
     std::array<bool, 6> logPresent{};
 };
 

@@ -24,11 +24,12 @@ public:
 
     int Get() const { return fd_; }
     bool Valid() const { return fd_ >= 0; }
-    void Reset()
+    // Closes the one held and takes `fd` (-1: none).
+    void Reset(int fd = -1)
     {
         if (fd_ >= 0)
             ::close(fd_);
-        fd_ = -1;
+        fd_ = fd;
     }
 
 private:

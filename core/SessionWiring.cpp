@@ -1,10 +1,10 @@
-#include "welcome/SessionHooks.hpp"
+#include "core/SessionWiring.hpp"
 
 #include "auth/LoginAccess.hpp"
 #include "auth/LoginDialog.hpp"
 #include "auth/LoginDisabledDialog.hpp"
-#include "system/GeneralWindow.hpp"
 #include "system/ShutdownDialog.hpp"
+#include "system/menu/GeneralWindow.hpp"
 
 namespace Lanyx {
 

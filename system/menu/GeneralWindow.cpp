@@ -1,4 +1,4 @@
-#include "system/GeneralWindow.hpp"
+#include "system/menu/GeneralWindow.hpp"
 
 #include <cerrno>
 #include <cstdlib>
@@ -19,8 +19,8 @@
 #include "keelson/System.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/RestoreDialog.hpp"
-#include "system/SupportPages.hpp"
-#include "text/LabelItem.hpp"
+#include "system/menu/SupportPages.hpp"
+#include "text/CatalogueIds.hpp"
 #include "text/MessageDialog.hpp"
 
 namespace Lanyx {
@@ -28,48 +28,6 @@ namespace Lanyx {
 namespace {
 
 using Keelson::Lib::KeelsonException;
-
-enum Entry : uint32_t {
-    Blank = 3,
-    MenuTitle = 4,
-    Password = 5,
-    Lockdown = 6,
-    ConfigureNetwork = 7,
-    RestartNetwork = 8,
-    TestNetwork = 9,
-    NetworkRestore = 10,
-    SupportInformation = 11,
-    SystemLogs = 12,
-    Troubleshooting = 13,
-    ResetConfiguration = 14,
-    Keyboard = 15,
-};
-
-enum Text : uint32_t {
-    RestartNetworkError = 16,
-    InterfaceNotFound = 19,
-    InterfaceOperationFailed = 20,
-    PasswordHelp = 21,
-    LockdownHelp = 22,
-    NetworkHelp = 23,
-    RestartHelp = 24,
-    TestHelp = 25,
-    RestoreHelp = 26,
-    LogsHelp = 27,
-    TroubleshootingHelp = 28,
-    ResetHelp = 29,
-    DhcpIdentity = 31,
-    KeyboardHelp = 32,
-    DefaultPasswordWarning = 33,
-    Unknown = 34,
-    Ipv4Heading = 35,
-    Ipv6Heading = 36,
-    HostnameHeading = 40,
-    SetWord = 117,
-    NotSetText = 118,
-    EnabledText = 119,
-    DisabledText = 120,
-};
 
 constexpr const char* kListFooter = "{color:black}<Up/Down>{/color}{color:dark-grey} Select{/color}";
 constexpr const char* kMoreFooter = "{color:white}<Enter>{/color}{color:light-grey} More{/color}{align:right}"
@@ -118,7 +76,7 @@ bool ManagementInterfaceUp()
 // The IPv6 block of the network summary, with its blank line behind it; empty when IPv6 is off.
 std::string Ipv6Summary(StringFactory& strings)
 {
-    std::string text = std::string(strings.GetString(Ipv6Heading)) + ":\n";
+    std::string text = std::string(strings.GetString(Ids::Ipv6AddressesHeading)) + ":\n";
     try {
         if (!TesselCtl::Network::NetworkInfoImpl().IsTesselIpv6Enabled())
             return "";
@@ -126,7 +84,7 @@ std::string Ipv6Summary(StringFactory& strings)
         if (const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface())
             networks = nic->GetIpConfig().GetIpv6Network();
         if (networks.empty()) {
-            text += std::string(strings.GetString(NotSetText)) + "\n";
+            text += std::string(strings.GetString(Ids::NotSet)) + "\n";
         } else {
             // Three fit; of more, two and a mark that there are others.
             const size_t shown = networks.size() <= 3 ? networks.size() : 2;
@@ -136,14 +94,14 @@ std::string Ipv6Summary(StringFactory& strings)
                 text += "...\n";
         }
     } catch (const KeelsonException&) {
-        text = std::string(strings.GetString(Ipv6Heading)) + ":\n" + strings.GetString(Unknown) + "\n";
+        text = std::string(strings.GetString(Ids::Ipv6AddressesHeading)) + ":\n" + strings.GetString(Ids::Unknown) + "\n";
     }
     return text + "\n";
 }
 
 } // namespace
 
-GeneralWindow::GeneralWindow(Frame* owner) : RootWindow(owner)
+GeneralWindow::GeneralWindow(Frame* owner) : MenuWindow(owner, Ids::SystemCustomization, kListFooter)
 {
     bool lockdownChangeable = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
     if (!lockdownChangeable)
@@ -151,38 +109,24 @@ GeneralWindow::GeneralWindow(Frame* owner) : RootWindow(owner)
     const bool managementUp = ManagementInterfaceUp();
     const bool pxeBoot = TesselCtl::Adv::UserAdvancedOptionImpl::HasUserOption("PXEBootEnabled");
 
-    AddEntry(Password, true);
-    AddEntry(Lockdown, lockdownChangeable);
-    AddEntry(Blank, false);
-    AddEntry(ConfigureNetwork, managementUp);
-    AddEntry(RestartNetwork, managementUp);
-    AddEntry(TestNetwork, managementUp);
-    AddEntry(NetworkRestore, true);
-    AddEntry(Blank, false);
+    AddEntry(Ids::ConfigurePassword);
+    AddEntry(Ids::ConfigureLockdownMode, lockdownChangeable);
+    AddBlank();
+    AddEntry(Ids::ConfigureManagementNetwork, managementUp);
+    AddEntry(Ids::RestartManagementNetwork, managementUp);
+    AddEntry(Ids::TestManagementNetwork, managementUp);
+    AddEntry(Ids::NetworkRestoreOptions);
+    AddBlank();
     if (consoleMode)
-        AddEntry(Keyboard, true);
-    AddEntry(Troubleshooting, true);
-    AddEntry(Blank, false);
-    AddEntry(SystemLogs, true);
-    AddEntry(Blank, false);
-    AddEntry(SupportInformation, true);
-    AddEntry(Blank, false);
-    AddEntry(ResetConfiguration, !pxeBoot);
-
-    std::vector<Item*> labels;
-    for (const std::unique_ptr<Item>& item : menuItems)
-        labels.push_back(item.get());
-    itemList->SetItems(labels);
-
-    if (!lockdownChangeable)
-        DisableEntry(Lockdown);
-    if (!managementUp) {
-        DisableEntry(ConfigureNetwork);
-        DisableEntry(RestartNetwork);
-        DisableEntry(TestNetwork);
-    }
-    if (pxeBoot)
-        DisableEntry(ResetConfiguration);
+        AddEntry(Ids::ConfigureKeyboard);
+    AddEntry(Ids::TroubleshootingOptions);
+    AddBlank();
+    AddEntry(Ids::ViewSystemLogs);
+    AddBlank();
+    AddEntry(Ids::ViewSupportInformation);
+    AddBlank();
+    AddEntry(Ids::ResetSystemConfiguration, !pxeBoot);
+    ShowEntries();
 
     lockdownEnabled = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
     supportPages = ReadSupportPages(HostPath("/etc/zephora/support"));
@@ -190,41 +134,6 @@ GeneralWindow::GeneralWindow(Frame* owner) : RootWindow(owner)
 }
 
 GeneralWindow::~GeneralWindow() = default;
-
-void GeneralWindow::AddEntry(uint32_t id, bool selectable)
-{
-    menuItems.push_back(std::make_unique<LabelItem>(CatalogueText(id), selectable));
-    entryIds.push_back(id);
-}
-
-void GeneralWindow::DisableEntry(uint32_t id)
-{
-    for (size_t i = 0; i < entryIds.size(); ++i) {
-        if (entryIds[i] != id)
-            continue;
-        if (auto* label = dynamic_cast<LabelItem*>(menuItems[i].get()))
-            label->SetText("{color:dark-grey}" + std::string(CatalogueText(id)) + "{/color}");
-    }
-}
-
-uint32_t GeneralWindow::GetSelectedEntry() const
-{
-    const size_t index = static_cast<size_t>(itemList->GetTopIndex()) + itemList->GetSelectedRow();
-    return index < entryIds.size() ? entryIds[index] : Blank;
-}
-
-void GeneralWindow::Reload()
-{
-    ShowSelectedEntry();
-}
-
-void GeneralWindow::UpdateContent()
-{
-    SetLeftTitle(CatalogueText(MenuTitle));
-    SetLeftFooter(kListFooter);
-    itemList->Draw();
-    ShowSelectedEntry();
-}
 
 void GeneralWindow::ShowSelectedEntry()
 {
@@ -236,49 +145,49 @@ void GeneralWindow::ShowSelectedEntry()
     std::string body;
     const char* footer = kMoreFooter;
     switch (id) {
-    case Password:
-        body = std::string("{color:white}") + text.GetString(passwordIsEmpty ? NotSetText : SetWord) +
-               "{/color}\n\n" + text.GetString(PasswordHelp);
+    case Ids::ConfigurePassword:
+        body = std::string("{color:white}") + text.GetString(passwordIsEmpty ? Ids::NotSet : Ids::SetWord) +
+               "{/color}\n\n" + text.GetString(Ids::PasswordHelp);
         footer = kChangeFooter;
         break;
-    case Lockdown:
-        body = std::string("{color:white}") + text.GetString(lockdownEnabled ? EnabledText : DisabledText) +
-               "{/color}\n\n" + text.GetString(LockdownHelp);
+    case Ids::ConfigureLockdownMode:
+        body = std::string("{color:white}") + text.GetString(lockdownEnabled ? Ids::Enabled : Ids::Disabled) +
+               "{/color}\n\n" + text.GetString(Ids::LockdownHelp);
         footer = kChangeFooter2;
         break;
-    case ConfigureNetwork:
+    case Ids::ConfigureManagementNetwork:
         body = ManagementSummary();
         break;
-    case RestartNetwork:
-        body = text.GetString(RestartHelp);
+    case Ids::RestartManagementNetwork:
+        body = text.GetString(Ids::RestartNetworkHelp);
         footer = kRestartFooter;
         break;
-    case TestNetwork:
-        body = text.GetString(TestHelp);
+    case Ids::TestManagementNetwork:
+        body = text.GetString(Ids::TestNetworkHelp);
         footer = kRunTestFooter;
         break;
-    case NetworkRestore:
-        body = text.GetString(RestoreHelp);
+    case Ids::NetworkRestoreOptions:
+        body = text.GetString(Ids::NetworkRestoreHelp);
         footer = kRestartFooter;
         break;
-    case SupportInformation:
+    case Ids::ViewSupportInformation:
         body = SupportText();
         footer = kLogOutFooter;
         break;
-    case SystemLogs:
+    case Ids::ViewSystemLogs:
         body = LogTable();
         footer = kLogOutFooter;
         break;
-    case Troubleshooting:
-        body = text.GetString(TroubleshootingHelp);
+    case Ids::TroubleshootingOptions:
+        body = text.GetString(Ids::TroubleshootingHelp);
         break;
-    case ResetConfiguration:
-        body = text.GetString(ResetHelp);
+    case Ids::ResetSystemConfiguration:
+        body = text.GetString(Ids::ResetHelp);
         footer = kResetFooter;
         break;
-    case Keyboard:
+    case Ids::ConfigureKeyboard:
         body = "{color:white}" + TesselCtl::System::SystemInfoImpl().GetKeyboardLayout() + "{/color}\n\n" +
-               "{color:light-grey}" + text.GetString(KeyboardHelp) + "{/color}";
+               "{color:light-grey}" + text.GetString(Ids::KeyboardHelp) + "{/color}";
         break;
     default:
         footer = "";
@@ -289,7 +198,7 @@ void GeneralWindow::ShowSelectedEntry()
     SetRightFooter(footer);
     // The list's rows reach down to the footer line and a list redraw blanks it, so the footer
     // is written again with every pane.
-    SetLeftFooter(passwordIsEmpty ? text.GetString(DefaultPasswordWarning) : kListFooter);
+    SetLeftFooter(passwordIsEmpty ? text.GetString(Ids::DefaultPasswordWarning) : kListFooter);
 }
 
 std::string GeneralWindow::ManagementSummary()
@@ -306,7 +215,7 @@ std::string GeneralWindow::ManagementSummary()
             const Keelson::Network::IpConfig configured = nic->GetConfiguredIpConfig();
             useDhcp = configured.GetUseDhcp();
             if (configured.GetIpv4UseNone())
-                address = text.GetString(NotSetText);
+                address = text.GetString(Ids::NotSet);
             else
                 address = nic->GetIpConfig().GetIpv4Address().GetStringAddress();
             if (auto* tesselNic = dynamic_cast<Keelson::Network::TesselNic*>(nic.get())) {
@@ -316,17 +225,17 @@ std::string GeneralWindow::ManagementSummary()
             }
         }
     } catch (const KeelsonException&) {
-        hostname = address = text.GetString(Unknown);
+        hostname = address = text.GetString(Ids::Unknown);
         useDhcp = false;
     }
 
-    std::string summary = std::string("{color:white}") + text.GetString(HostnameHeading) + ":\n" + hostname +
-                          "\n\n" + text.GetString(Ipv4Heading) + ":\n" + address + "\n\n";
+    std::string summary = std::string("{color:white}") + text.GetString(Ids::HostnameHeading) + ":\n" + hostname +
+                          "\n\n" + text.GetString(Ids::Ipv4AddressHeading) + ":\n" + address + "\n\n";
     if (useDhcp && dhcpServer != 0)
-        summary += std::string(text.GetString(DhcpIdentity)) + " " + dhcpServerText + "\n\n";
+        summary += std::string(text.GetString(Ids::DhcpIdentity)) + " " + dhcpServerText + "\n\n";
     summary += Ipv6Summary(text);
     // Left open: the rest of the pane is this text.
-    summary += std::string("{color:light-grey}") + text.GetString(NetworkHelp);
+    summary += std::string("{color:light-grey}") + text.GetString(Ids::NetworkHelp);
     return summary;
 }
 
@@ -357,48 +266,25 @@ std::string GeneralWindow::LogTable()
         table += "{color:white}<" + std::to_string(++number) + "> {color:light-grey}" + kLogFiles[row].label +
                  "{/color}\n";
     }
-    return table + "\n" + CatalogueText(LogsHelp);
+    return table + "\n" + CatalogueText(Ids::LogsHelp);
 }
 
-bool GeneralWindow::Execute()
+void GeneralWindow::LeavingEntry(uint32_t id)
 {
-    Draw();
-    for (;;) {
-        const int key = ReadKey(true);
-        const uint32_t selected = GetSelectedEntry();
-        switch (key) {
-        case Keys::Down:
-        case Keys::Up:
-            if (selected == SupportInformation)
-                supportPage = 0;
-            if (key == Keys::Down)
-                itemList->SelectNext();
-            else
-                itemList->SelectPrevious();
-            ShowSelectedEntry();
-            break;
-        case Keys::PageDown:
-            if (selected == SupportInformation && supportPage + 1 < supportPages.size()) {
-                ++supportPage;
-                ShowSelectedEntry();
-            }
-            break;
-        case Keys::PageUp:
-            if (selected == SupportInformation && supportPage > 0) {
-                --supportPage;
-                ShowSelectedEntry();
-            }
-            break;
-        case Keys::Escape:
-            return true;
-        case Keys::Enter:
-            RunEntry(selected);
-            break;
-        default:
-            if (key >= '1' && key <= '9' && selected == SystemLogs)
-                ViewLog(key - '0');
-            break;
-        }
+    if (id == Ids::ViewSupportInformation)
+        supportPage = 0;
+}
+
+void GeneralWindow::HandleOtherKey(uint32_t id, int key)
+{
+    if (key == Keys::PageDown && id == Ids::ViewSupportInformation && supportPage + 1 < supportPages.size()) {
+        ++supportPage;
+        ShowSelectedEntry();
+    } else if (key == Keys::PageUp && id == Ids::ViewSupportInformation && supportPage > 0) {
+        --supportPage;
+        ShowSelectedEntry();
+    } else if (key >= '1' && key <= '9' && id == Ids::ViewSystemLogs) {
+        ViewLog(key - '0');
     }
 }
 
@@ -406,32 +292,32 @@ void GeneralWindow::RunEntry(uint32_t id)
 {
     // Screens not built yet are left out; each plugs in at its entry and redraws afterwards.
     switch (id) {
-    case RestartNetwork:
+    case Ids::RestartManagementNetwork:
         try {
             if (!FindManagementInterface()) {
-                MessageDialog(this, RestartNetworkError, InterfaceNotFound).RunModal();
+                MessageDialog(this, Ids::RestartNetworkError, Ids::InterfaceNotFound).RunModal();
             }
             // The restart dialog for a found interface runs here.
         } catch (const KeelsonException&) {
-            MessageDialog(this, RestartNetworkError, InterfaceOperationFailed).RunModal();
+            MessageDialog(this, Ids::RestartNetworkError, Ids::InterfaceOperationFailed).RunModal();
         }
         Draw();
         break;
-    case Lockdown:
+    case Ids::ConfigureLockdownMode:
         // Asked anew: a failed change leaves the mode as the host has it.
         if (LockdownDialog(this).RunModal())
             lockdownEnabled = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
         Draw();
         break;
-    case ResetConfiguration:
+    case Ids::ResetSystemConfiguration:
         RestoreDialog(this).RunModal();
         break;
-    case Password:           // change password dialog
-    case ConfigureNetwork:   // network window
-    case TestNetwork:        // network test dialog
-    case NetworkRestore:     // network restore window
-    case Troubleshooting:    // troubleshooting window
-    case Keyboard:           // keyboard layout dialog
+    case Ids::ConfigurePassword:          // change password dialog
+    case Ids::ConfigureManagementNetwork: // network window
+    case Ids::TestManagementNetwork:      // network test dialog
+    case Ids::NetworkRestoreOptions:      // network restore window
+    case Ids::TroubleshootingOptions:     // troubleshooting window
+    case Ids::ConfigureKeyboard:          // keyboard layout dialog
     default:
         break;
     }
