@@ -3,6 +3,7 @@
 #include "auth/LoginAccess.hpp"
 #include "auth/LoginDialog.hpp"
 #include "auth/LoginDisabledDialog.hpp"
+#include "system/ShutdownDialog.hpp"
 #include "system/menu/GeneralWindow.hpp"
 
 namespace Lanyx {
@@ -20,7 +21,10 @@ SessionHooks DefaultSessionHooks()
         GeneralWindow menu(owner);
         menu.RunModal();
     };
-    hooks.runShutdown = [](Frame*) {};
+    hooks.runShutdown = [](Frame* owner) {
+        ShutdownDialog shutdown(owner);
+        shutdown.RunModal();
+    };
     return hooks;
 }
 

@@ -130,6 +130,22 @@ void MakeKeys(const std::string& root, const std::string& fqdn) {
     }
 }
 
+// What the reset script puts back: the host's configuration as it was made, with the software
+// defaults' empty root password and no registered guests.
+nlohmann::json FactoryCopy(const nlohmann::json& state) {
+    nlohmann::json factory = nlohmann::json::object();
+    for (const char* key : {"host", "network", "switches", "portGroups", "fabrics", "advancedOptions", "userOptions",
+                            "services", "lockdown", "keyboard", "welcomeMessage", "accounts"}) {
+        if (state.contains(key)) factory[key] = state[key];
+    }
+    if (factory.contains("accounts") && factory["accounts"].is_array()) {
+        for (nlohmann::json& account : factory["accounts"])
+            if (account.is_object() && account.value("name", "") == "root") account["hash"] = "";
+    }
+    factory["guests"] = nlohmann::json::array();
+    return factory;
+}
+
 } // namespace
 
 const std::vector<ToolPath>& ToolPaths() {
@@ -177,6 +193,7 @@ void CreateRoot(const std::string& dir, const std::string& profile, const std::s
         MakeFolder(RootPath(root, folder));
     }
     nlohmann::json state = ProfileState(profile);
+    state["factory"] = FactoryCopy(state);
     store.Write(state);
 
     MakeToolScripts(root, programDir);

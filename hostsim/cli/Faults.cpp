@@ -1,8 +1,11 @@
 // `hostsim fault`: failures injected into the library and the tools.
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #include "platform/NetworkFaultNames.hpp"
 #include "cli/Commands.hpp"
+#include "cli/CreateRoot.hpp"
 #include "store/StateStore.hpp"
 
 namespace HostSim::Cli {
@@ -27,6 +30,38 @@ int ExitStatus(const std::string& text) {
     if (text.empty() || text.size() > 3 || !std::all_of(text.begin(), text.end(), ::isdigit) || std::stoi(text) > 255)
         throw UsageError("Expected an exit status from 0 to 255, got \"" + text + "\"");
     return std::stoi(text);
+}
+
+// Where an absent tool's script waits to come back: beside it, under a name no one calls.
+std::string Hidden(const std::string& path) {
+    const std::filesystem::path file(path);
+    return (file.parent_path() / ("." + file.filename().string() + ".absent")).string();
+}
+
+// An absent tool is really gone from the root, so a start of it fails as on a host without it.
+void MoveToolScripts(const std::string& root, const std::string& name, bool away) {
+    for (const ToolPath& entry : ToolPaths()) {
+        if (entry.tool != name) continue;
+        const std::string path = RootPath(root, entry.path);
+        const std::string from = away ? path : Hidden(path);
+        const std::string to = away ? Hidden(path) : path;
+        std::error_code error;
+        if (!std::filesystem::exists(std::filesystem::symlink_status(from))) continue;
+        std::filesystem::rename(from, to, error);
+        if (error) throw UsageError("Cannot move " + from + " to " + to + ": " + error.message());
+    }
+}
+
+// Tools made absent by the faults of `state` (all of them, or the one named).
+std::vector<std::string> AbsentTools(const json& state, const std::string& only = "") {
+    std::vector<std::string> names;
+    const json faults = state.value("faults", json::object());
+    const json tools = faults.is_object() ? faults.value("tool", json::object()) : json::object();
+    if (!tools.is_object()) return names;
+    for (const auto& [name, fault] : tools.items()) {
+        if ((only.empty() || name == only) && fault.is_object() && fault.value("absent", false)) names.push_back(name);
+    }
+    return names;
 }
 
 } // namespace
@@ -91,7 +126,8 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
             throw UsageError("Unknown library operation \"" + args[1] + "\" (hostsim --help lists them)");
         StateStore(root).Update([&](json& state) { FaultGroup(state, "lib")[args[1]] = args[2]; });
     } else if (kind == "tool") {
-        if (args.size() < 3) throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang");
+        if (args.size() < 3)
+            throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang | signal | absent");
         const std::string& name = args[1];
         if (!Contains(FaultTools(), name))
             throw UsageError("Unknown tool \"" + name + "\" (hostsim --help lists them)");
@@ -100,16 +136,21 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
         if (what == "exit" && args.size() == 4) change = {{"exit", ExitStatus(args[3])}};
         else if (what == "output" && args.size() == 4) change = {{"output", args[3]}};
         else if (what == "hang" && args.size() == 3) change = {{"hang", true}};
-        else throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang");
+        else if (what == "signal" && args.size() == 3) change = {{"signal", true}};
+        else if (what == "absent" && args.size() == 3) change = {{"absent", true}};
+        else throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang | signal | absent");
         StateStore(root).Update([&](json& state) {
             json& entry = FaultGroup(state, "tool")[name];
             if (!entry.is_object()) entry = json::object();
             entry.update(change);
         });
+        if (what == "absent") MoveToolScripts(root, name, true);
     } else if (kind == "clear") {
         if (args.size() > 2) throw UsageError("usage: hostsim fault DIR clear [NAME]");
         if (args.size() == 2 && !Contains(FaultOperations(), args[1]) && !Contains(FaultTools(), args[1]))
             throw UsageError("Unknown fault name \"" + args[1] + "\"");
+        const std::string only = args.size() == 2 ? args[1] : "";
+        for (const std::string& name : AbsentTools(StateStore(root).Read(), only)) MoveToolScripts(root, name, false);
         StateStore(root).Update([&](json& state) {
             if (args.size() == 1) {
                 state["faults"] = {{"lib", json::object()}, {"tool", json::object()}};

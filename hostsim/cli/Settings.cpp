@@ -65,7 +65,8 @@ void SetDhcpServer(json& state, const std::string& value) {
     ipv4["dhcpBound"] = value != "0.0.0.0";
 }
 
-void SetPingReachable(json& state, const std::string& value) {
+// "a,b,,c" -> ["a", "b", "c"].
+json CommaList(const std::string& value) {
     json list = json::array();
     size_t start = 0;
     while (start <= value.size() && !value.empty()) {
@@ -75,7 +76,7 @@ void SetPingReachable(json& state, const std::string& value) {
         if (comma == std::string::npos) break;
         start = comma + 1;
     }
-    state["ping"]["reachable"] = list;
+    return list;
 }
 
 void SetGridmeshVersion(json& state, const std::string& value) {
@@ -117,9 +118,12 @@ const std::vector<Setting>& Settings() {
         {"shell-running", "OstraShell service running (true/false)",
          [](json& s, const std::string& v) { s["services"]["OstraShell"]["running"] = Bool(v); }},
         {"gridmesh-version", "overlay agent version (empty: agent absent)", SetGridmeshVersion},
-        {"ping-reachable", "comma-separated addresses that answer a ping", SetPingReachable},
+        {"ping-reachable", "comma-separated addresses that answer a ping",
+         [](json& s, const std::string& v) { s["ping"]["reachable"] = CommaList(v); }},
         {"keyboard-layout", "configured keyboard layout",
          [](json& s, const std::string& v) { s["keyboard"]["layout"] = v; }},
+        {"helmq-users", "comma-separated users helmq accepts besides lanyx (empty: none)",
+         [](json& s, const std::string& v) { s["hostAgent"]["users"] = CommaList(v); }},
         {"guests-running", "all guests running (true/false)",
          [](json& s, const std::string& v) {
              for (json& guest : s["guests"]) guest["running"] = Bool(v);

@@ -27,6 +27,8 @@ void Help(std::ostream& out) {
            "  hostsim fault DIR tool NAME exit STATUS         make a tool exit with STATUS\n"
            "  hostsim fault DIR tool NAME output TEXT         make a tool print TEXT\n"
            "  hostsim fault DIR tool NAME hang                make a tool sleep until killed\n"
+           "  hostsim fault DIR tool NAME signal              make a tool end on signal 9\n"
+           "  hostsim fault DIR tool NAME absent              take a tool's files out of the root\n"
            "  hostsim fault DIR clear [NAME]                  remove one fault or all\n"
            "  hostsim --help\n\nsettings:\n";
     for (const Setting& setting : Settings()) {

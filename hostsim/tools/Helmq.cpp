@@ -101,6 +101,7 @@ int Helmq(Context& context) {
                 throw ToolFailure("helmq: lockdown mode is not possible on this host", 1);
             lockdown["enabled"] = enter;
         }
+        if (command == "helmnode/autostartmanager/autostop") ObjectAt(document, "autostartManager")["running"] = false;
         for (const auto& entry : kServiceCommands) {
             if (command != entry.command) continue;
             nlohmann::json& service = ObjectAt(ObjectAt(document, "services"), entry.service);

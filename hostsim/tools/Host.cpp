@@ -135,11 +135,14 @@ int TesselPing(Context& context) {
     return reachable ? 0 : 1;
 }
 
-// stateSave.sh <level>: the host's configuration is saved; here only the record stays.
+// stateSave.sh <level>: the host's configuration is saved; "stateSaved" tells when and at which level.
 int StateSave(Context& context) {
     if (context.args.size() != 1 || !ParseInteger(context.args[0]) || *ParseInteger(context.args[0]) < 0)
         throw UsageError("usage: stateSave.sh <level>");
-    context.store.Update([&](nlohmann::json& state) { AddRecord(state, context.name, context.args); });
+    context.store.Update([&](nlohmann::json& state) {
+        state["stateSaved"] = {{"time", Timestamp()}, {"level", *ParseInteger(context.args[0])}};
+        AddRecord(state, context.name, context.args);
+    });
     return 0;
 }
 

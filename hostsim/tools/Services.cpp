@@ -17,6 +17,9 @@ namespace {
 
 // Exit status of an init script's "status" for a service that is stopped.
 constexpr int kStatusStopped = 3;
+// How long tesseltrace -w waits for its process, and how often it looks.
+constexpr int kTraceWaitMs = 10000;
+constexpr int kTracePollMs = 50;
 
 std::string OneAction(const Context& context, const std::vector<std::string>& allowed) {
     std::string usage = "usage: " + context.name + " ";
@@ -123,8 +126,14 @@ int TesselTrace(Context& context) {
     if (folder.empty() || folder.front() != '/') throw UsageError("the folder must be an absolute path");
     if (pattern.empty() || pattern.find('/') != std::string::npos) throw UsageError("the output name must be a plain file name");
 
-    const nlohmann::json state = context.store.Read();
-    if (process != "helmd" || !AgentRunning(state))
+    // -w waits for the process to be up, as it may be restarting; without it, or after the
+    // wait, a process that is not running is an error.
+    const bool wait = options.Has("-w");
+    for (int waited = 0; process == "helmd" && !AgentRunning(context.store.Read()); waited += kTracePollMs) {
+        if (!wait || waited >= kTraceWaitMs) break;
+        ::usleep(kTracePollMs * 1000);
+    }
+    if (process != "helmd" || !AgentRunning(context.store.Read()))
         throw ToolFailure("tesseltrace: no running process named " + process, 1);
 
     std::string base = RootPath(context.root, folder);

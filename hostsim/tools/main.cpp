@@ -1,5 +1,6 @@
 // hostsim-tool --root <abs root> <toolname> args...
 // The root's tool scripts exec this program; the environment is not looked at.
+#include <csignal>
 #include <unistd.h>
 
 #include <cstdio>
@@ -39,6 +40,10 @@ int ApplyFault(const Context& context) {
         if (!text.empty() && text.back() != '\n') text += '\n';
         std::fputs(text.c_str(), stdout);
         std::fflush(stdout);
+    }
+    if (BoolAt(*fault, "signal", false)) {
+        // Ends on a signal: under a shell that runs it last, the whole command counts as killed.
+        ::kill(::getpid(), SIGKILL);
     }
     if (BoolAt(*fault, "hang", false)) {
         // Until someone kills us: the console's time-outs and Esc paths are what is tested.

@@ -7,6 +7,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "auth/LockdownDialog.hpp"
 #include "auth/LoginAccess.hpp"
 #include "core/Globals.hpp"
 #include "core/Keys.hpp"
@@ -17,6 +18,7 @@
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
 #include "restore/switches/Switches.hpp"
+#include "system/RestoreDialog.hpp"
 #include "system/menu/SupportPages.hpp"
 #include "text/CatalogueIds.hpp"
 #include "text/MessageDialog.hpp"
@@ -301,14 +303,21 @@ void GeneralWindow::RunEntry(uint32_t id)
         }
         Draw();
         break;
-    case Ids::ConfigurePassword:           // change password dialog
-    case Ids::ConfigureLockdownMode:           // lockdown dialog; refreshes lockdownEnabled when it changed the mode
-    case Ids::ConfigureManagementNetwork:   // network window
-    case Ids::TestManagementNetwork:        // network test dialog
-    case Ids::NetworkRestoreOptions:     // network restore window
-    case Ids::TroubleshootingOptions:    // troubleshooting window
-    case Ids::ResetSystemConfiguration: // reset dialog
-    case Ids::ConfigureKeyboard:           // keyboard layout dialog
+    case Ids::ConfigureLockdownMode:
+        // Asked anew: a failed change leaves the mode as the host has it.
+        if (LockdownDialog(this).RunModal())
+            lockdownEnabled = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
+        Draw();
+        break;
+    case Ids::ResetSystemConfiguration:
+        RestoreDialog(this).RunModal();
+        break;
+    case Ids::ConfigurePassword:          // change password dialog
+    case Ids::ConfigureManagementNetwork: // network window
+    case Ids::TestManagementNetwork:      // network test dialog
+    case Ids::NetworkRestoreOptions:      // network restore window
+    case Ids::TroubleshootingOptions:     // troubleshooting window
+    case Ids::ConfigureKeyboard:          // keyboard layout dialog
     default:
         break;
     }

@@ -2,8 +2,10 @@
 // variable, against a temporary host root whose state is written here.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <thread>
 #include <tuple>
 
 #include "HostRoot.hpp"
@@ -145,6 +147,7 @@ TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
         bool timedOut;
     };
     for (const Case& c : {Case{{{"exit", 7}}, 7, "", false}, Case{{{"output", "true"}}, 0, "true\n", false},
+                          Case{{{"signal", true}}, -1, "", false},
                           Case{{{"output", "abc"}, {"exit", 3}}, 3, "abc\n", false},
                           Case{{{"output", "waiting"}, {"hang", true}}, -1, "waiting\n", true}}) {
         Change([&](json& s) { s["faults"]["tool"]["helmq"] = c.fault; });
@@ -156,6 +159,51 @@ TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
     // The fault is the tool's alone.
     EXPECT_EQ(Status({"poweroff"}), 0);
     EXPECT_EQ(State()["power"]["state"], "off");
+}
+
+// What the power, reset and agent tools leave is what the console's next read sees.
+TEST_F(ToolsTest, HostWideToolsChangeTheState) {
+    Change([](json& s) {
+        s["guests"] = json::array({{{"name", "a"}, {"running", true}}, {{"name", "b"}, {"running", false}}});
+        s["factory"] = {{"lockdown", {{"enabled", false}, {"possible", true}}}, {"guests", json::array()}};
+        s["lockdown"]["enabled"] = true;
+    });
+    EXPECT_EQ(Status({"helmq", "-U", "root", "helmnode/autostartmanager/autostop"}), 0);
+    EXPECT_FALSE(State()["autostartManager"]["running"].get<bool>());
+    EXPECT_EQ(Tool({"haltGuests", "--terminate"}).out, "Terminated 1 virtual machine(s)\n");
+    EXPECT_FALSE(State()["guests"][0]["running"].get<bool>());
+    EXPECT_EQ(State()["toolRecords"].back()["args"], json::array({"--terminate"}));
+    EXPECT_EQ(Status({"reboot", "-f"}), 0);
+    EXPECT_EQ(State()["power"]["state"], "rebooting");
+    EXPECT_EQ(State()["power"]["history"].back()["args"], json::array({"-f"}));
+    EXPECT_EQ(Status({"stateSave.sh", "0"}), 0);
+    EXPECT_EQ(State()["stateSaved"]["level"], 0);
+
+    EXPECT_EQ(Status({"factoryState.py", "--reset-only"}), 0);
+    EXPECT_FALSE(State()["lockdown"]["enabled"].get<bool>());
+    EXPECT_TRUE(State()["guests"].empty());
+    EXPECT_EQ(State()["power"]["state"], "rebooting") << "what is no configuration stays";
+}
+
+TEST_F(ToolsTest, LiveCoreWaitsForTheAgentOnlyWhenAsked) {
+    const Args trace = {"tesseltrace", "-n", "helmd", "-o", "helmd-restart%", "-d", "/var/log/"};
+    EXPECT_EQ(Status({"agents.sh", "stop"}), 0);
+    EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"}), 1);
+    EXPECT_EQ(Status(trace), 1) << "no agent, no wait";
+
+    Args waiting = trace;
+    waiting.insert(waiting.begin() + 1, "-w");
+    std::thread starter([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        Tool({"agents.sh", "start"});
+    });
+    const Result result = Tool(waiting);
+    starter.join();
+    EXPECT_EQ(result.status, 0) << result.out;
+    EXPECT_EQ(result.out, "Live core of helmd written to /var/log/helmd-restart1.core\n");
+    EXPECT_TRUE(std::filesystem::exists(root_.Path() + "/var/log/helmd-restart1.core"));
+    EXPECT_EQ(Status(trace), 0);
+    EXPECT_TRUE(std::filesystem::exists(root_.Path() + "/var/log/helmd-restart2.core"));
 }
 
 } // namespace
