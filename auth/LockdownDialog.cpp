@@ -7,6 +7,7 @@
 #include "host/CommandRunner.hpp"
 #include "host/Log.hpp"
 #include "text/Footers.hpp"
+#include "text/CatalogueIds.hpp"
 
 namespace Lanyx {
 
@@ -17,19 +18,13 @@ constexpr int kHeight = 11;
 constexpr int kTitleHeight = 6;
 constexpr int kCapture = 255;
 
-enum CatalogueId : uint32_t {
-    TitleId = 252,
-    MessageId = 253,
-    CaptionId = 254,
-};
-
 } // namespace
 
 LockdownDialog::LockdownDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight)
 {
     // A query that fails counts as "not enabled".
     enabled = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
-    lockdownItem = std::make_unique<CheckItem>(CatalogueText(CaptionId), enabled);
+    lockdownItem = std::make_unique<CheckItem>(CatalogueText(Ids::EnableLockdown), enabled);
     items.push_back(lockdownItem.get());
     itemList = new ItemList(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight());
     itemList->SetItems(items);
@@ -51,8 +46,8 @@ bool LockdownDialog::RunLockdownCommand(const char* command, std::string& errorT
 
 bool LockdownDialog::Execute()
 {
-    SetTitle(CatalogueText(TitleId));
-    SetMessage(CatalogueText(MessageId));
+    SetTitle(CatalogueText(Ids::LockdownTitle));
+    SetMessage(CatalogueText(Ids::LockdownMessage));
     itemList->Draw();
     SetFooter(Footers::kToggleOkCancel);
     for (bool accepted = false; !accepted;) {

@@ -1,20 +1,11 @@
 #include "system/RebootConfirmDialog.hpp"
 
-#include <cstdint>
+#include "text/CatalogueIds.hpp"
 
 namespace Lanyx {
 
-namespace {
-
-enum CatalogueId : uint32_t {
-    TitleId = 175,
-    MessageId = 176,
-};
-
-} // namespace
-
 RebootConfirmDialog::RebootConfirmDialog(Frame* owner, bool graceful)
-    : PowerActionDialog(owner, graceful, TitleId, MessageId, "reboot")
+    : PowerActionDialog(owner, graceful, Ids::RestartHost, Ids::RestartInProgress, "reboot")
 {
 }
 

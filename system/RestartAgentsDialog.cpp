@@ -14,6 +14,7 @@
 #include "keelson/System.hpp"
 #include "keelson/Util.hpp"
 #include "text/Footers.hpp"
+#include "text/CatalogueIds.hpp"
 
 namespace Lanyx {
 
@@ -22,16 +23,6 @@ namespace {
 constexpr int kWidth = 71;
 constexpr int kHeight = 20;
 constexpr int kTitleHeight = 9;
-
-enum CatalogueId : uint32_t {
-    TitleId = 244,
-    WarningId = 245,
-    QuestionId = 246,
-    StoppingId = 247,
-    StartingId = 248,
-    CollectCaptionId = 249,
-    CollectingId = 250,
-};
 
 // The agent script's lines; the script and its shell are the host's.
 std::string AgentsLine(const char* action)
@@ -50,7 +41,7 @@ std::string Running(const std::string& done, const char* step)
 RestartAgentsDialog::RestartAgentsDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight)
 {
     progressText = new TextArea(contentWindow, 1, 2, kWidth - 8, 3, -1);
-    collectItem = std::make_unique<CheckItem>(CatalogueText(CollectCaptionId), false);
+    collectItem = std::make_unique<CheckItem>(CatalogueText(Ids::CollectLiveCore), false);
     items.push_back(collectItem.get());
     itemList = new ItemList(contentWindow, 0, 0, kWidth - 4, 1);
     itemList->SetItems(items);
@@ -91,10 +82,10 @@ bool RestartAgentsDialog::StartLiveCore()
 
 bool RestartAgentsDialog::Execute()
 {
-    SetTitle(CatalogueText(TitleId));
-    SetMessage(CatalogueText(WarningId));
+    SetTitle(CatalogueText(Ids::RestartAgentsConfirmTitle));
+    SetMessage(CatalogueText(Ids::RestartAgentsConfirmMessage));
     SetFooter(Footers::kF11OkCancel);
-    progressText->SetText(CatalogueText(QuestionId));
+    progressText->SetText(CatalogueText(Ids::RestartAgentsQuestion));
     itemList->Draw();
     std::string doneText;
     std::string shownText;
@@ -122,20 +113,20 @@ bool RestartAgentsDialog::Execute()
     PostEvent(Events::restartingHostAgents);
     // "Done." stands for the start of the collection, which goes on beside the restart.
     if (collectItem->IsChecked() && StartLiveCore()) {
-        doneText += std::string(CatalogueText(CollectingId)) + " Done.\n";
+        doneText += std::string(CatalogueText(Ids::CollectingLiveCore)) + " Done.\n";
         progressText->SetText(doneText);
     }
 
-    shownText = Running(doneText, CatalogueText(StoppingId));
+    shownText = Running(doneText, CatalogueText(Ids::StoppingAgents));
     progressText->SetText(shownText);
     // The script's outcome is not looked at: both steps read "Done." in any case.
     TesselCtl::Util::TesselCtl_Exec(AgentsLine("stop"), false, true, false);
-    doneText += std::string(CatalogueText(StoppingId)) + " Done.\n";
+    doneText += std::string(CatalogueText(Ids::StoppingAgents)) + " Done.\n";
 
-    shownText = Running(doneText, CatalogueText(StartingId));
+    shownText = Running(doneText, CatalogueText(Ids::StartingAgents));
     progressText->SetText(shownText);
     TesselCtl::Util::TesselCtl_Exec(AgentsLine("start"), false, true, false);
-    doneText += std::string(CatalogueText(StartingId)) + " Done.{/color}";
+    doneText += std::string(CatalogueText(Ids::StartingAgents)) + " Done.{/color}";
     progressText->SetText(doneText);
 
     SetFooter(Footers::kOk);

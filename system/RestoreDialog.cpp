@@ -10,6 +10,7 @@
 #include "host/Log.hpp"
 #include "host/Records.hpp"
 #include "text/Footers.hpp"
+#include "text/CatalogueIds.hpp"
 
 namespace Lanyx {
 
@@ -18,15 +19,6 @@ namespace {
 constexpr int kWidth = 60;
 constexpr int kHeight = 12;
 constexpr int kTitleHeight = 7;
-
-enum CatalogueId : uint32_t {
-    ConfirmTitleId = 177,
-    WarningId = 178,
-    QuestionId = 179,
-    TitleId = 180,
-    WaitId = 181,
-    RestoredId = 182,
-};
 
 constexpr char kRestartFooter[] =
     "{align:right}{color:black}<Enter>{/color} {color:dark-grey}Restart Host{/color}{/align}";
@@ -40,9 +32,9 @@ RestoreDialog::RestoreDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTit
 
 bool RestoreDialog::Execute()
 {
-    SetTitle(CatalogueText(ConfirmTitleId));
-    SetMessage(CatalogueText(WarningId));
-    questionText->SetText(CatalogueText(QuestionId));
+    SetTitle(CatalogueText(Ids::ResetConfirmTitle));
+    SetMessage(CatalogueText(Ids::ResetConfirmMessage));
+    questionText->SetText(CatalogueText(Ids::ResetQuestion));
     SetFooter(Footers::kF11OkCancel);
     for (;;) {
         const int key = ReadKey(true);
@@ -54,14 +46,14 @@ bool RestoreDialog::Execute()
 
     Log(LOG_INFO, "Restoring factory defaults");
     PostEvent(Events::restoreFactoryDefaults);
-    SetTitle(CatalogueText(TitleId));
-    SetMessage(CatalogueText(WaitId));
+    SetTitle(CatalogueText(Ids::ResetTitle));
+    SetMessage(CatalogueText(Ids::ResetWait));
     if (RunShell(HostPath("/sbin/factoryState.py") + " --reset-only > /dev/null 2>&1") != 0)
         return false;
 
     questionText->SetText("");
     SetFooter(kRestartFooter);
-    SetMessage(CatalogueText(RestoredId));
+    SetMessage(CatalogueText(Ids::ResetDone));
     // The idle limit still applies here: a session that ends now leaves the host reset but running.
     while (ReadKey(true) != Keys::Enter) {
     }

@@ -1,20 +1,11 @@
 #include "system/ShutdownConfirmDialog.hpp"
 
-#include <cstdint>
+#include "text/CatalogueIds.hpp"
 
 namespace Lanyx {
 
-namespace {
-
-enum CatalogueId : uint32_t {
-    TitleId = 171,
-    MessageId = 172,
-};
-
-} // namespace
-
 ShutdownConfirmDialog::ShutdownConfirmDialog(Frame* owner, bool graceful)
-    : PowerActionDialog(owner, graceful, TitleId, MessageId, "poweroff")
+    : PowerActionDialog(owner, graceful, Ids::ShutDownHost, Ids::ShutdownInProgress, "poweroff")
 {
 }
 

@@ -7,6 +7,7 @@
 #include "host/Records.hpp"
 #include "system/RebootConfirmDialog.hpp"
 #include "system/ShutdownConfirmDialog.hpp"
+#include "text/CatalogueIds.hpp"
 
 namespace Lanyx {
 
@@ -16,12 +17,6 @@ constexpr int kWidth = 60;
 constexpr int kHeight = 19;
 constexpr int kTitleHeight = 13;
 
-enum CatalogueId : uint32_t {
-    TitleId = 168,
-    MessageId = 169,
-    ForceCaptionId = 170,
-};
-
 constexpr char kFooter[] = "{color:black}<F2>{/color} {color:dark-grey}Shut Down{/color}  "
                            "{color:black}<F11>{/color} {color:dark-grey}Restart{/color}"
                            "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
@@ -30,7 +25,7 @@ constexpr char kFooter[] = "{color:black}<F2>{/color} {color:dark-grey}Shut Down
 
 ShutdownDialog::ShutdownDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight)
 {
-    forceItem = std::make_unique<CheckItem>(CatalogueText(ForceCaptionId), false);
+    forceItem = std::make_unique<CheckItem>(CatalogueText(Ids::ForceTerminate), false);
     items.push_back(forceItem.get());
     if (contentWindow) {
         itemList = new ItemList(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight());
@@ -42,8 +37,8 @@ ShutdownDialog::~ShutdownDialog() = default;
 
 bool ShutdownDialog::Execute()
 {
-    SetTitle(CatalogueText(TitleId));
-    SetMessage(CatalogueText(MessageId));
+    SetTitle(CatalogueText(Ids::ShutdownTitle));
+    SetMessage(CatalogueText(Ids::ShutdownMessage));
     if (itemList)
         itemList->Draw();
     SetFooter(kFooter);
