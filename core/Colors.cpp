@@ -36,6 +36,30 @@ attr_t ColorAttr(int background, int foreground)
     return ColorAttrFor(background, foreground, monochrome, COLORS);
 }
 
+int DimPairOffset(int colors)
+{
+    return PairNumber(ColorWhite, ColorWhite, colors);
+}
+
+namespace {
+
+// The twins fit when the terminal has the pairs and their numbers fit an attribute.
+bool HasDimTwins()
+{
+    const int last = 2 * DimPairOffset(COLORS);
+    return last < COLOR_PAIRS && last <= 255;
+}
+
+} // namespace
+
+attr_t DimAttr(int background, int foreground)
+{
+    if (monochrome || !HasDimTwins())
+        return ColorAttr(ColorBlack, ColorDarkGrey);
+    const int pair = PairNumber(foreground, background, COLORS) + DimPairOffset(COLORS);
+    return static_cast<attr_t>(pair) << NCURSES_ATTR_SHIFT;
+}
+
 const std::array<ColorDefinition, 5>& ColorRedefinitions()
 {
     static const std::array<ColorDefinition, 5> table = {{
@@ -70,6 +94,12 @@ void InitPalette()
     for (const PairDefinition& p : PairDefinitions(COLORS))
         init_pair(static_cast<short>(p.pair), static_cast<short>(p.foreground),
                   static_cast<short>(p.background));
+    // Each pair has a dimmed twin, drawn alike, so that a dimmed cell still tells which window
+    // background it had and lighting gives every cell its own colours back.
+    if (HasDimTwins()) {
+        for (const PairDefinition& p : PairDefinitions(COLORS))
+            init_pair(static_cast<short>(p.pair + DimPairOffset(COLORS)), ColorDarkGrey, ColorBlack);
+    }
 }
 
 } // namespace Lanyx

@@ -19,6 +19,12 @@ enum Color : int {
 // flag and the terminal's `COLORS`.
 attr_t ColorAttr(int background, int foreground);
 
+// What a window of these colours is drawn in while dimmed: dark grey on black, through a twin
+// of the window's own pair where the terminal has the pairs for it.
+attr_t DimAttr(int background, int foreground);
+// How far above a pair its dimmed twin is numbered: the highest pair number of the six.
+int DimPairOffset(int colors);
+
 // The same as a pure function of the mode and the number of colours.
 attr_t ColorAttrFor(int background, int foreground, bool isMonochrome, int colors);
 

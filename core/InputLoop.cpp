@@ -87,6 +87,14 @@ void StartSignalThread()
 
 int WaitForInput(const timeval* timeout)
 {
+    // Curses may already hold keys that came in one read with an escape sequence; poll on the
+    // descriptor cannot see those, and would wait for the key after them.
+    wtimeout(stdscr, 0);
+    const int held = wgetch(stdscr);
+    wtimeout(stdscr, -1);
+    if (held != ERR)
+        return held;
+
     pollfd fds[2] = {{0, POLLIN, 0}, {signalPipe[0], POLLIN, 0}};
     const int milliseconds =
         timeout ? static_cast<int>(timeout->tv_sec * 1000 + timeout->tv_usec / 1000) : -1;

@@ -75,15 +75,10 @@ void Window::SetActive(bool newActive)
         savedCursorY = cursorY;
         ShowCursor(false);
     }
-    if (handle) {
-        // wbkgd recolours only the cells that carry the window's old background, and a child
-        // shares its cells with its parent. Lighting the parent gives the dimmed cells of the
-        // children the parent's background, so a child takes them back from that one.
-        if (active && parent && parent->handle)
-            wbkgdset(handle.get(), getbkgd(parent->handle.get()));
-        wbkgd(handle.get(), active ? ColorAttr(background, foreground)
-                                   : ColorAttr(ColorBlack, ColorDarkGrey));
-    }
+    // Dimmed through the twin of the window's pair: wbkgd recolours only the cells that carry
+    // the old background, and a parent shares its cells with its children.
+    if (handle)
+        wbkgd(handle.get(), active ? ColorAttr(background, foreground) : DimAttr(background, foreground));
     for (const auto& child : children)
         child->SetActive(newActive);
     Update();

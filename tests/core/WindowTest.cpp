@@ -4,6 +4,7 @@
 #include "core/Colors.hpp"
 #include "core/Frame.hpp"
 #include "core/Globals.hpp"
+#include "core/InputLoop.hpp"
 
 namespace Lanyx {
 namespace {
@@ -130,6 +131,16 @@ TEST(Frame, TimeoutTravelsUpLeavingOwnersDimmedOtherErrorsRestoreNothing) {
     EXPECT_EQ(activeFrame, &failing);
     EXPECT_FALSE(owner.IsActive());
     activeFrame = nullptr;
+}
+
+// An escape and the key after it, arriving in one read: curses keeps the second key, which the
+// descriptor no longer shows; it must still be the next key read, not a wait for another one.
+TEST(InputLoop, KeyHeldByCursesAfterAnEscapeIsReadAtOnce) {
+    keypad(stdscr, TRUE); // as the console has it: escape sequences are read whole
+    Testing::Type("\x1bq");
+    const timeval wait{2, 0};
+    EXPECT_EQ(WaitForInput(&wait), 27);
+    EXPECT_EQ(WaitForInput(&wait), 'q');
 }
 
 } // namespace
