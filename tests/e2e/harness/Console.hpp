@@ -14,9 +14,16 @@
 
 #include <gtest/gtest.h>
 
-#include "harness/Process.hpp"
+#include "Process.hpp"
 
 namespace LanyxE2E {
+
+using namespace LanyxTest;
+
+// Paths of the built programs (compile definitions of the harness library).
+std::string LanyxBinary();
+std::string KeyTestBinary(); // the console with the bare key test frame as its first screen
+std::string BuildDir();
 
 // Bytes an xterm sends for named keys while the program has the keypad in application mode
 // (as curses programs do). Raw sequences of other terminals are sent with Send as they are.
@@ -83,8 +90,18 @@ public:
 
     pid_t Pid() const { return pid_; }
 
-    // Writes raw bytes to the terminal's input.
+    // Writes raw bytes to the terminal's input at once.
     void Send(std::string_view bytes);
+    // Waits until the program reads its terminal with all its output taken, then sends one key.
+    // The console drops keys typed while a screen opens, so keys go through here; a failed wait
+    // fails the test.
+    bool SendKey(std::string_view key);
+    // Each character as a key of its own.
+    bool Type(std::string_view text);
+    // Waits until the program that has the terminal is blocked reading it (the console's main
+    // thread in its key wait; a pager or other child it waits for in its own read) and its
+    // output is drained: what the screen shows then stays until the next key or signal.
+    ::testing::AssertionResult WaitUntilReading(Duration timeout = 10s);
     // Sends a signal to the process.
     void Signal(int sig);
     // Changes the terminal size as a terminal window would: the process gets SIGWINCH.
@@ -155,6 +172,8 @@ private:
     std::string pendingEscape_; // an escape sequence cut by the end of a read
     std::string lastWritten_;   // the tail of what went to the emulator
     std::string command_;
+    std::string terminal_; // the path of the program's side of the terminal
+    size_t received_ = 0;  // bytes of output taken so far
 };
 
 } // namespace LanyxE2E

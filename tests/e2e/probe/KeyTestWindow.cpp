@@ -1,4 +1,4 @@
-#include "core/KeyTestWindow.hpp"
+#include "KeyTestWindow.hpp"
 
 #include <cstdlib>
 #include <string>

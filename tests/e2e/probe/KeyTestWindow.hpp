@@ -1,6 +1,6 @@
-// A bare first frame that shows the key codes it reads: it stands in for the resting screen
-// until that exists, and lets the input loop, signals, idle limit and exit paths be driven
-// from outside.
+// A bare first frame that shows the key codes it reads, so that the input loop, signals, idle
+// limit and exit paths of the console can be driven from outside: F9 enters a session, F8 leaves
+// it, F10 throws.
 #pragma once
 #include "core/Frame.hpp"
 
