@@ -1,8 +1,10 @@
 // `hostsim fault`: failures injected into the library and the tools.
 #include <algorithm>
+#include <filesystem>
 
 #include "platform/NetworkFaultNames.hpp"
 #include "cli/Commands.hpp"
+#include "cli/CreateRoot.hpp"
 #include "store/StateStore.hpp"
 
 namespace HostSim::Cli {
@@ -23,6 +25,35 @@ json& FaultGroup(json& state, const char* group) {
     return entries;
 }
 
+namespace fs = std::filesystem;
+
+// Where the scripts of an absent tool wait to come back: one file per host path, named by it.
+fs::path AbsentFile(const std::string& root, const char* hostPath) {
+    std::string name = hostPath;
+    std::replace(name.begin(), name.end(), '/', '%');
+    return fs::path(RootPath(root, "/var/lib/hostsim/absent")) / name;
+}
+
+// An absent tool is missing from the root for real: starting it fails as for a tool that was
+// never installed. The scripts are kept aside until the fault is cleared.
+void SetToolPresent(const std::string& root, const std::string& tool, bool present) {
+    for (const ToolPath& entry : ToolPaths()) {
+        if (tool != entry.tool) continue;
+        const fs::path script = RootPath(root, entry.path);
+        const fs::path kept = AbsentFile(root, entry.path);
+        std::error_code error;
+        if (present) {
+            if (!fs::exists(kept, error)) continue;
+            fs::rename(kept, script, error);
+        } else {
+            if (!fs::exists(script, error)) continue;
+            fs::create_directories(kept.parent_path(), error);
+            fs::rename(script, kept, error);
+        }
+        if (error) throw UsageError("Cannot move " + script.string() + ": " + error.message());
+    }
+}
+
 int ExitStatus(const std::string& text) {
     if (text.empty() || text.size() > 3 || !std::all_of(text.begin(), text.end(), ::isdigit) || std::stoi(text) > 255)
         throw UsageError("Expected an exit status from 0 to 255, got \"" + text + "\"");
@@ -35,10 +66,14 @@ const std::vector<std::string>& FaultOperations() {
     static const std::vector<std::string> operations = {
         "AdvancedOption::SetValue",
         "AdvancedOptionImpl::FindOption",
+        "Authentication::StoreUserAccountsToCs",
         "CpuInfoImpl::GetModelName",
         "CpuInfoImpl::GetNumCpuPackages",
         "DnsConfigImpl::GetDomain",
         "DnsConfigImpl::GetHostname",
+        "FirewallRuleset::Disable",
+        "FirewallRuleset::Enable",
+        "FirewallRuleset::FollowsService",
         "HardwareInfoImpl::GetProductName",
         "HardwareInfoImpl::GetSerialNumber",
         "HardwareInfoImpl::GetVendorName",
@@ -49,6 +84,7 @@ const std::vector<std::string>& FaultOperations() {
         "SmartCardInfoImpl::GetAllSlots",
         "SmartCardInfoImpl::GetToken",
         "SysinfoUtil::SysinfoGet",
+        "SystemInfoImpl::GetFirewallRulesetById",
         "SystemInfoImpl::GetKeyboardLayout",
         "SystemInfoImpl::GetKeyboardLayouts",
         "SystemInfoImpl::GetWelcomeMessage",
@@ -91,7 +127,8 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
             throw UsageError("Unknown library operation \"" + args[1] + "\" (hostsim --help lists them)");
         StateStore(root).Update([&](json& state) { FaultGroup(state, "lib")[args[1]] = args[2]; });
     } else if (kind == "tool") {
-        if (args.size() < 3) throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang");
+        if (args.size() < 3)
+            throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang | absent");
         const std::string& name = args[1];
         if (!Contains(FaultTools(), name))
             throw UsageError("Unknown tool \"" + name + "\" (hostsim --help lists them)");
@@ -100,7 +137,9 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
         if (what == "exit" && args.size() == 4) change = {{"exit", ExitStatus(args[3])}};
         else if (what == "output" && args.size() == 4) change = {{"output", args[3]}};
         else if (what == "hang" && args.size() == 3) change = {{"hang", true}};
-        else throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang");
+        else if (what == "absent" && args.size() == 3) change = {{"absent", true}};
+        else throw UsageError("usage: hostsim fault DIR tool NAME exit STATUS | output TEXT | hang | absent");
+        if (what == "absent") SetToolPresent(root, name, false);
         StateStore(root).Update([&](json& state) {
             json& entry = FaultGroup(state, "tool")[name];
             if (!entry.is_object()) entry = json::object();
@@ -118,6 +157,9 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
             FaultGroup(state, "lib").erase(args[1]);
             FaultGroup(state, "tool").erase(args[1]);
         });
+        for (const std::string& tool : FaultTools()) {
+            if (args.size() == 1 || args[1] == tool) SetToolPresent(root, tool, true);
+        }
     } else {
         throw UsageError("Unknown fault kind \"" + kind + "\" (lib, tool or clear)");
     }

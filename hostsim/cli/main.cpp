@@ -27,6 +27,7 @@ void Help(std::ostream& out) {
            "  hostsim fault DIR tool NAME exit STATUS         make a tool exit with STATUS\n"
            "  hostsim fault DIR tool NAME output TEXT         make a tool print TEXT\n"
            "  hostsim fault DIR tool NAME hang                make a tool sleep until killed\n"
+           "  hostsim fault DIR tool NAME absent              take a tool's programs out of the root\n"
            "  hostsim fault DIR clear [NAME]                  remove one fault or all\n"
            "  hostsim --help\n\nsettings:\n";
     for (const Setting& setting : Settings()) {

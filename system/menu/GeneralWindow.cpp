@@ -7,6 +7,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "auth/ChangePasswordDialog.hpp"
+#include "auth/KeyboardDialog.hpp"
 #include "auth/LoginAccess.hpp"
 #include "core/Globals.hpp"
 #include "core/Keys.hpp"
@@ -17,6 +19,7 @@
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
 #include "restore/switches/Switches.hpp"
+#include "system/TroubleShootingWindow.hpp"
 #include "system/menu/SupportPages.hpp"
 #include "text/CatalogueIds.hpp"
 #include "text/MessageDialog.hpp"
@@ -301,14 +304,23 @@ void GeneralWindow::RunEntry(uint32_t id)
         }
         Draw();
         break;
-    case Ids::ConfigurePassword:           // change password dialog
+    case Ids::ConfigurePassword:
+        ChangePasswordDialog(this).RunModal();
+        Draw();
+        break;
+    case Ids::TroubleshootingOptions:
+        TroubleShootingWindow(this).RunModal();
+        Draw();
+        break;
+    case Ids::ConfigureKeyboard:
+        KeyboardDialog(this).RunModal();
+        Draw();
+        break;
     case Ids::ConfigureLockdownMode:           // lockdown dialog; refreshes lockdownEnabled when it changed the mode
     case Ids::ConfigureManagementNetwork:   // network window
     case Ids::TestManagementNetwork:        // network test dialog
     case Ids::NetworkRestoreOptions:     // network restore window
-    case Ids::TroubleshootingOptions:    // troubleshooting window
     case Ids::ResetSystemConfiguration: // reset dialog
-    case Ids::ConfigureKeyboard:           // keyboard layout dialog
     default:
         break;
     }
