@@ -1,6 +1,8 @@
 // The change of the logged-in operator's password (or of an expired one at login) through PAM,
 // followed by the host's own bookkeeping: the configuration store, the state save, the agent.
 #pragma once
+#include <cstdint>
+
 #include "text/FormDialog.hpp"
 
 namespace Lanyx {

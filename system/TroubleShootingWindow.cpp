@@ -17,6 +17,9 @@ namespace Lanyx {
 
 namespace {
 
+constexpr const char* kShellScript = "/etc/init.d/OstraShell";
+constexpr const char* kSshScript = "/etc/init.d/SSH";
+
 constexpr const char* kChangeFooter =
     "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}"
     "{color:white}<Esc>{/color}{color:light-grey} Exit{/color}{/align}";
@@ -48,13 +51,6 @@ struct TroubleShootingWindow::Service {
     uint32_t disableEntry;
     bool hasFirewall;
 };
-
-namespace {
-
-const char* const kShellScript = "/etc/init.d/OstraShell";
-const char* const kSshScript = "/etc/init.d/SSH";
-
-} // namespace
 
 TroubleShootingWindow::TroubleShootingWindow(Frame* owner)
     : MenuWindow(owner, Ids::TroubleshootingTitle, Footers::kMenuSelect)
