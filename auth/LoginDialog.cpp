@@ -1,5 +1,7 @@
 #include "auth/LoginDialog.hpp"
 
+#include "auth/ChangePasswordDialog.hpp"
+#include "auth/KeyboardDialog.hpp"
 #include "auth/LoginAccess.hpp"
 #include "auth/Pam.hpp"
 #include "core/Globals.hpp"
@@ -139,14 +141,14 @@ void LoginDialog::Refuse(int pamResult)
     PostEvent(*event, user);
     MessageDialog(this, Ids::LoginFailedTitle, message).RunModal();
     if (pamResult == PAM_NEW_AUTHTOK_REQD) {
-        // The password change dialog runs here once it exists. Whatever its outcome, the
-        // operator stays in this box and logs in again with the new password.
+        // Whatever its outcome, the operator stays in this box and logs in again.
+        ChangePasswordDialog(this).RunModal();
     }
 }
 
 void LoginDialog::RunKeyboardLayoutChoice()
 {
-    // The keyboard layout dialog is not built yet; the line keeps its place and its key.
+    KeyboardDialog(this).RunModal();
 }
 
 void LoginDialog::ShowConfiguredLayout()

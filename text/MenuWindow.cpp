@@ -38,6 +38,34 @@ void MenuWindow::GreyEntry(uint32_t id)
     }
 }
 
+void MenuWindow::SetEntrySelectable(uint32_t id, bool selectable)
+{
+    if (!selectable) {
+        GreyEntry(id);
+        return;
+    }
+    for (size_t i = 0; i < entryIds.size(); ++i) {
+        if (entryIds[i] != id)
+            continue;
+        auto* label = static_cast<LabelItem*>(menuItems[i].get());
+        label->SetText(CatalogueText(id));
+        label->SetSelectable(true);
+    }
+}
+
+void MenuWindow::ReplaceEntry(uint32_t id, uint32_t newId)
+{
+    for (size_t i = 0; i < entryIds.size(); ++i) {
+        if (entryIds[i] != id)
+            continue;
+        entryIds[i] = newId;
+        const bool selectable = menuItems[i]->IsSelectable();
+        static_cast<LabelItem*>(menuItems[i].get())->SetText(CatalogueText(newId));
+        if (!selectable)
+            GreyEntry(newId);
+    }
+}
+
 void MenuWindow::ShowEntries()
 {
     std::vector<Item*> labels;

@@ -34,6 +34,10 @@ protected:
     void AddBlank();
     // Greys an entry: it stays in the list, in dark grey, and the selection skips it.
     void GreyEntry(uint32_t id);
+    // Greys an entry or gives it back its plain label and its place in the selection.
+    void SetEntrySelectable(uint32_t id, bool selectable);
+    // Entry `id` becomes entry `newId` in the same line, with the new label (a toggle's two words).
+    void ReplaceEntry(uint32_t id, uint32_t newId);
     // Hands the lines to the list; the first selectable one is selected.
     void ShowEntries();
 

@@ -102,6 +102,7 @@ nlohmann::json DefaultState() {
     state["bootOption"] = {{"auditMode", false}};
     state["services"] = {{"OstraShell", {{"running", false}, {"enabled", false}}},
                          {"SSH", {{"running", false}, {"enabled", false}}}};
+    state["firewall"] = {{"sshServer", {{"enabled", false}, {"followsService", true}}}};
     state["lockdown"] = {{"enabled", false}, {"possible", true}};
     state["accounts"] = json::array({Account("root", "lanyx-Root1", false, true),
                                      Account("guest", "guest-Pass1", false, false),

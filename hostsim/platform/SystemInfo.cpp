@@ -75,6 +75,43 @@ void SystemInfoImpl::SetKeyboardLayout(const std::string& name) {
     StoreLayout("SystemInfoImpl::SetKeyboardLayout", "layout", name);
 }
 
+namespace {
+
+// A ruleset under "firewall" in the state; each operation reads or writes the state afresh.
+class Ruleset : public Keelson::System::FirewallRuleset {
+public:
+    explicit Ruleset(std::string id) : id_(std::move(id)) {}
+    bool FollowsService() const override {
+        json state = HostSim::Platform::StateFor({"FirewallRuleset::FollowsService"});
+        const json rulesets = state.value("firewall", json::object());
+        const json ruleset = rulesets.is_object() ? rulesets.value(id_, json::object()) : json::object();
+        return ruleset.is_object() && ruleset.value("followsService", false);
+    }
+    void Enable() override { Store("FirewallRuleset::Enable", true); }
+    void Disable() override { Store("FirewallRuleset::Disable", false); }
+
+private:
+    void Store(const char* operation, bool enabled) {
+        HostSim::Platform::UpdateState([&](json& state) {
+            HostSim::Platform::CheckFault(state, {operation});
+            json& rulesets = state["firewall"];
+            if (!rulesets.is_object() || !rulesets.contains(id_) || !rulesets[id_].is_object())
+                throw Keelson::Lib::KeelsonException("Firewall ruleset " + id_ + " does not exist");
+            rulesets[id_]["enabled"] = enabled;
+        });
+    }
+    std::string id_;
+};
+
+} // namespace
+
+std::unique_ptr<Keelson::System::FirewallRuleset> SystemInfoImpl::GetFirewallRulesetById(const std::string& id) const {
+    json rulesets = Section({"SystemInfoImpl::GetFirewallRulesetById"}, "firewall");
+    if (!rulesets.contains(id) || !rulesets[id].is_object())
+        throw Keelson::Lib::KeelsonException("Firewall ruleset " + id + " not found");
+    return std::make_unique<Ruleset>(id);
+}
+
 } // namespace TesselCtl::System
 
 namespace TesselCtl::Hardware {

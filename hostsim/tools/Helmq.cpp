@@ -106,6 +106,11 @@ int Helmq(Context& context) {
             if (command != entry.command) continue;
             nlohmann::json& service = ObjectAt(ObjectAt(document, "services"), entry.service);
             service[entry.field] = entry.value;
+            // The agent opens and closes the SSH ports with the service; the init script does not.
+            if (std::string(entry.service) == "SSH" && std::string(entry.field) == "running") {
+                nlohmann::json& ruleset = ObjectAt(ObjectAt(document, "firewall"), "sshServer");
+                if (BoolAt(ruleset, "followsService", true)) ruleset["enabled"] = entry.value;
+            }
         }
         AddRecord(document, context.name, context.args);
     });

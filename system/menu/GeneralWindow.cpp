@@ -7,6 +7,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "auth/ChangePasswordDialog.hpp"
+#include "auth/KeyboardDialog.hpp"
 #include "auth/LockdownDialog.hpp"
 #include "auth/LoginAccess.hpp"
 #include "core/Globals.hpp"
@@ -19,6 +21,7 @@
 #include "keelson/System.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/RestoreDialog.hpp"
+#include "system/TroubleShootingWindow.hpp"
 #include "system/menu/SupportPages.hpp"
 #include "text/CatalogueIds.hpp"
 #include "text/MessageDialog.hpp"
@@ -312,12 +315,21 @@ void GeneralWindow::RunEntry(uint32_t id)
     case Ids::ResetSystemConfiguration:
         RestoreDialog(this).RunModal();
         break;
-    case Ids::ConfigurePassword:          // change password dialog
+    case Ids::ConfigurePassword:
+        ChangePasswordDialog(this).RunModal();
+        Draw();
+        break;
+    case Ids::TroubleshootingOptions:
+        TroubleShootingWindow(this).RunModal();
+        Draw();
+        break;
+    case Ids::ConfigureKeyboard:
+        KeyboardDialog(this).RunModal();
+        Draw();
+        break;
     case Ids::ConfigureManagementNetwork: // network window
     case Ids::TestManagementNetwork:      // network test dialog
     case Ids::NetworkRestoreOptions:      // network restore window
-    case Ids::TroubleshootingOptions:     // troubleshooting window
-    case Ids::ConfigureKeyboard:          // keyboard layout dialog
     default:
         break;
     }

@@ -119,3 +119,22 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
     EXPECT_EQ(state["factory"]["host"], state["host"]);
     EXPECT_EQ(state["factory"]["accounts"][0]["hash"], "");
 }
+
+TEST(HostsimCommand, AbsentToolLeavesTheRootUntilItsFaultIsCleared) {
+    HostRoot root("default");
+    const std::string script = root.Read("/sbin/ostraq");
+    ASSERT_FALSE(script.empty());
+    // Every path of the tool goes; other tools stay.
+    for (const auto& clear : std::vector<std::vector<std::string>>{{"clear", "ostraq"}, {"clear"}}) {
+        ASSERT_EQ(Hostsim({"fault", root.Path(), "tool", "ostraq", "absent"}).status, 0);
+        EXPECT_FALSE(Exists(root, "/sbin/ostraq"));
+        EXPECT_FALSE(Exists(root, "/bin/ostraq"));
+        EXPECT_TRUE(Exists(root, "/sbin/benchq"));
+        EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["faults"]["tool"]["ostraq"], (nlohmann::json{{"absent", true}}));
+        std::vector<std::string> args{"fault", root.Path()};
+        args.insert(args.end(), clear.begin(), clear.end());
+        ASSERT_EQ(Hostsim(args).status, 0);
+        EXPECT_EQ(root.Read("/sbin/ostraq"), script);
+        EXPECT_TRUE(Exists(root, "/bin/ostraq"));
+    }
+}

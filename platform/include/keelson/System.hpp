@@ -1,4 +1,5 @@
-// Host control library: system information (welcome message, alerts, keyboard layouts).
+// Host control library: system information (welcome message, alerts, keyboard layouts,
+// firewall rulesets).
 #pragma once
 #include <memory>
 #include <string>
@@ -6,6 +7,20 @@
 
 #include "keelson/Hardware.hpp"
 #include "keelson/Lib.hpp"
+
+namespace Keelson::System {
+
+// One ruleset of the host's firewall, which opens the ports of one service.
+class FirewallRuleset : public virtual Lib::KeelsonObject {
+public:
+    // Whether the ruleset is tied to its service: opened with it and closed with it.
+    virtual bool FollowsService() const = 0;
+    // Opens or closes the service's ports.
+    virtual void Enable() = 0;
+    virtual void Disable() = 0;
+};
+
+} // namespace Keelson::System
 
 namespace TesselCtl::System {
 
@@ -21,6 +36,8 @@ public:
     // Makes the layout work on this console; then SetKeyboardLayout stores it as configured.
     void LoadKeyboardMappings(const std::string& name);
     void SetKeyboardLayout(const std::string& name);
+    // The firewall ruleset of that id ("sshServer"), owned by the caller.
+    std::unique_ptr<Keelson::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) const;
 };
 
 } // namespace TesselCtl::System

@@ -1,0 +1,32 @@
+#include "auth/SamePasswordConfirmDialog.hpp"
+
+#include "core/Keys.hpp"
+#include "text/CatalogueIds.hpp"
+
+namespace Lanyx {
+
+namespace {
+
+constexpr int kWidth = 70;
+constexpr int kHeight = 8;
+constexpr int kTitleHeight = 5;
+
+} // namespace
+
+SamePasswordConfirmDialog::SamePasswordConfirmDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {}
+
+bool SamePasswordConfirmDialog::Execute()
+{
+    SetTitle(CatalogueText(Ids::PasswordWarningTitle));
+    SetMessage(CatalogueText(Ids::SamePassword));
+    SetFooter(Footers::kConfirmCancel);
+    for (;;) {
+        const int key = ReadKey(true);
+        if (key == Keys::Enter)
+            return true;
+        if (key == Keys::Escape)
+            return false;
+    }
+}
+
+} // namespace Lanyx

@@ -1,0 +1,291 @@
+// The troubleshooting menu after a login on simulated hosts: its lines and panes, the shell and
+// SSH toggles through the host agent and their ways round a failing agent, the time-out dialogs.
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "harness/Session.hpp"
+
+using namespace LanyxE2E;
+using nlohmann::json;
+
+namespace {
+
+// On 80 x 25: list text from row 4, column 3; right pane text from row 4, column 42, 36 cells;
+// titles on row 1, footers on row 22.
+constexpr int kTop = 4, kListColumn = 3, kDetailColumn = 42;
+constexpr const char* kMenuTitle = "Troubleshooting Mode Options";
+
+std::string Trimmed(std::string text)
+{
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+std::string Column(const Console& console, int column, int width, int rows = 18)
+{
+    std::string text;
+    for (int row = kTop; row < kTop + rows; ++row)
+        text += Trimmed(console.Text(row, column, width)) + "\n";
+    return text.erase(text.find_last_not_of('\n') + 1);
+}
+
+std::string List(const Console& console) { return Column(console, kListColumn, 36, 5); }
+std::string Detail(const Console& console) { return Column(console, kDetailColumn, 36); }
+std::string RightFooter(const Console& console) { return Trimmed(console.Text(22, 41, 37)); }
+
+bool Greyed(const Console& console, int line)
+{
+    const Cell cell = console.CellAt(kTop + line, kListColumn);
+    return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
+}
+
+// Logged in as root, in the troubleshooting menu.
+::testing::AssertionResult OpenMenu(Session& s)
+{
+    if (auto in = s.LogIn(); !in)
+        return in;
+    if (auto opened = s.OpenEntry("Troubleshooting Options"); !opened)
+        return opened;
+    return s.Screen().WaitForText(kMenuTitle);
+}
+
+::testing::AssertionResult Press(Session& s, std::initializer_list<std::string_view> keys)
+{
+    for (std::string_view key : keys)
+        if (!s.Key(key))
+            return ::testing::AssertionFailure() << "a key was not sent";
+    return s.Settle();
+}
+
+json Service(const HostRoot& host, const char* name) { return host.State()["services"][name]; }
+bool SshPortsOpen(const HostRoot& host) { return host.State()["firewall"]["sshServer"]["enabled"].get<bool>(); }
+
+// "helmq -U <user> <command>" for each change the host agent made.
+std::vector<std::string> AgentRuns(const HostRoot& host)
+{
+    std::vector<std::string> runs;
+    for (const json& record : host.State().value("toolRecords", json::array())) {
+        if (record["tool"] != "helmq")
+            continue;
+        std::string line = "helmq";
+        for (const json& arg : record["args"])
+            line += " " + arg.get<std::string>();
+        runs.push_back(line);
+    }
+    return runs;
+}
+
+// ---------------------------------------------------------------- lines and panes
+
+TEST(Troubleshooting, LinesPanesAndFooters)
+{
+    Session s;
+    Console& console = s.Screen();
+    ASSERT_TRUE(OpenMenu(s));
+    EXPECT_EQ(List(console), "Enable Ostra Shell\nEnable SSH\nModify Ostra Shell and SSH timeouts\n"
+                             "Modify LANYX idle timeout\nRestart Management Agents")
+        << console.Describe();
+    EXPECT_EQ(Trimmed(console.Text(22, 2, 37)), "<Up/Down> Select");
+    // The menu's own footer stands until the selection first moves.
+    EXPECT_EQ(RightFooter(console), "<Enter> Change             <Esc> Exit");
+    for (int line = 0; line < 5; ++line)
+        EXPECT_FALSE(Greyed(console, line)) << line;
+
+    struct Pane {
+        std::string title, detail, footer;
+    };
+    const std::vector<Pane> panes = {
+        {"Ostra Shell", "Ostra Shell is Disabled\n\nChange current state of the Ostra\nShell", "Change"},
+        {"SSH Support", "SSH is Disabled\n\nChange current state of SSH", "Change"},
+        // One word too long for the title line, which breaks before it.
+        {"Modify Ostra Shell and SSH",
+         "Modify the number of minutes that\ncan elapse before you must log in", "Change"},
+        {"Modify LANYX idle timeout", "Modify the number of idle minutes\nthat can elapse before you must log", "Change"},
+        {"Restart Management Agents", "The management agents are the\nprograms that allow remote", "Restart"},
+    };
+    for (size_t line = 0; line < panes.size(); ++line) {
+        SCOPED_TRACE(panes[line].title);
+        if (line > 0) {
+            ASSERT_TRUE(Press(s, {Keys::Down}));
+        }
+        EXPECT_EQ(s.RightTitle(), panes[line].title);
+        EXPECT_TRUE(Detail(console).starts_with(panes[line].detail)) << Detail(console);
+        const std::string footer = "<Enter> " + panes[line].footer;
+        EXPECT_EQ(RightFooter(console), footer + std::string(37 - footer.size() - 10, ' ') + "<Esc> Exit");
+    }
+    // Down on the last line and letters change nothing; Esc goes back to the main menu.
+    ASSERT_TRUE(Press(s, {Keys::Down, "x", Keys::Tab}));
+    EXPECT_EQ(s.RightTitle(), "Restart Management Agents");
+    ASSERT_TRUE(Press(s, {Keys::Escape}));
+    EXPECT_TRUE(console.WaitForText("System Customization"));
+    EXPECT_EQ(s.RightTitle(), "Troubleshooting Options");
+    EXPECT_TRUE(AgentRuns(s.Host()).empty());
+}
+
+TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine)
+{
+    Session s;
+    Console& console = s.Screen();
+    HostRoot& host = s.Host();
+    ASSERT_TRUE(OpenMenu(s));
+
+    // Shell on: its label, its pane, the host, and the time-outs greyed and skipped.
+    ASSERT_TRUE(Press(s, {Keys::Enter}));
+    EXPECT_EQ(Trimmed(console.Text(kTop, kListColumn, 36)), "Disable Ostra Shell");
+    EXPECT_TRUE(Detail(console).starts_with("Ostra Shell is Enabled")) << Detail(console);
+    EXPECT_EQ(Service(host, "OstraShell"), json({{"running", true}, {"enabled", true}}));
+    EXPECT_TRUE(Greyed(console, 2));
+    ASSERT_TRUE(Press(s, {Keys::Down, Keys::Down}));
+    EXPECT_EQ(s.RightTitle(), "Modify LANYX idle timeout") << "the greyed line is passed over";
+
+    // SSH on as well: the agent opens its ports with it.
+    ASSERT_TRUE(Press(s, {Keys::Up, Keys::Enter}));
+    EXPECT_EQ(Trimmed(console.Text(kTop + 1, kListColumn, 36)), "Disable SSH");
+    EXPECT_EQ(Service(host, "SSH"), json({{"running", true}, {"enabled", true}}));
+    EXPECT_TRUE(SshPortsOpen(host));
+
+    // Shell off while SSH runs: still greyed. SSH off too: the line comes back and can be reached.
+    ASSERT_TRUE(Press(s, {Keys::Up, Keys::Enter}));
+    EXPECT_EQ(Trimmed(console.Text(kTop, kListColumn, 36)), "Enable Ostra Shell");
+    EXPECT_TRUE(Greyed(console, 2));
+    ASSERT_TRUE(Press(s, {Keys::Down, Keys::Enter}));
+    EXPECT_EQ(Trimmed(console.Text(kTop + 1, kListColumn, 36)), "Enable SSH");
+    EXPECT_FALSE(Greyed(console, 2));
+    EXPECT_FALSE(SshPortsOpen(host));
+    ASSERT_TRUE(Press(s, {Keys::Down}));
+    EXPECT_TRUE(s.RightTitle().starts_with("Modify Ostra Shell and SSH"));
+
+    EXPECT_EQ(AgentRuns(host), (std::vector<std::string>{
+                                   "helmq -U root helmnode/start_ostra_shell", "helmq -U root helmnode/enable_ostra_shell",
+                                   "helmq -U root helmnode/start_ssh", "helmq -U root helmnode/enable_ssh",
+                                   "helmq -U root helmnode/stop_ostra_shell", "helmq -U root helmnode/disable_ostra_shell",
+                                   "helmq -U root helmnode/stop_ssh", "helmq -U root helmnode/disable_ssh"}));
+    EXPECT_TRUE(host.Messages("user.warning").empty());
+    const std::vector<std::string> toggles = {"User root enabled Ostra Shell", "User root enabled SSH",
+                                              "User root disabled Ostra Shell", "User root disabled SSH"};
+    std::vector<std::string> logged;
+    for (const std::string& line : host.Messages("user.info"))
+        if (line.starts_with("User root ") && !line.ends_with("logged in"))
+            logged.push_back(line);
+    EXPECT_EQ(logged, toggles);
+}
+
+TEST(Troubleshooting, RunningServicesShownOnAndTimeoutsGreyed)
+{
+    Session s("default", {.settings = {{"ssh-running", "true"}}});
+    Console& console = s.Screen();
+    ASSERT_TRUE(OpenMenu(s));
+    EXPECT_EQ(List(console), "Enable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
+                             "Modify LANYX idle timeout\nRestart Management Agents");
+    EXPECT_TRUE(Greyed(console, 2));
+    ASSERT_TRUE(Press(s, {Keys::Down}));
+    EXPECT_TRUE(Detail(console).starts_with("SSH is Enabled")) << Detail(console);
+}
+
+// ---------------------------------------------------------------- a failing agent
+
+TEST(Troubleshooting, TogglesGetRoundAFailingAgent)
+{
+    struct Case {
+        const char* name;
+        SessionOptions options;
+        std::vector<std::string> logs;  // warnings and notes besides the toggles' own lines
+        bool shellEnabled, sshEnabled;  // the agent's "enabled" afterwards; both run in every case
+        bool portsOpen;
+        std::vector<std::string> agentRuns;
+    };
+    const std::vector<Case> cases = {
+        {"the operator refused: the console's own account, for both commands",
+         {.prepare = [](HostRoot& h) { h.Edit([](json& st) { st["hostAgent"]["users"] = json::array({"ops"}); }); }},
+         {"info Unable to execute command helmq helmnode/start_ostra_shell using user root. Using user lanyx",
+          "info Unable to execute command helmq helmnode/start_ssh using user root. Using user lanyx"},
+         true, true, true,
+         {"helmq -U lanyx helmnode/start_ostra_shell", "helmq -U lanyx helmnode/enable_ostra_shell",
+          "helmq -U lanyx helmnode/start_ssh", "helmq -U lanyx helmnode/enable_ssh"}},
+        {"no agent tool: the init scripts, and the firewall by hand",
+         {.faults = {{"tool", "helmq", "absent"}}},
+         {"warning Unable to run helmq to start/stop Ostra Shell",
+          "warning Unable to run helmq to enable/disable Ostra Shell", "warning Unable to run helmq to start/stop ssh",
+          "warning Unable to run helmq to enable/disable ssh"},
+         false, false, true, {}},
+        {"a failing agent and a locked firewall",
+         {.faults = {{"tool", "helmq", "exit", "1"}, {"lib", "FirewallRuleset::Enable", "ruleset locked"}}},
+         {"warning Unable to run helmq to start/stop Ostra Shell",
+          "warning Unable to run helmq to enable/disable Ostra Shell", "warning Unable to run helmq to start/stop ssh",
+          "warning Failed to update firewall sshServer ruleset status: ruleset locked",
+          "warning Unable to run helmq to enable/disable ssh"},
+         false, false, false, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Session s("default", c.options);
+        Console& console = s.Screen();
+        HostRoot& host = s.Host();
+        ASSERT_TRUE(OpenMenu(s));
+        host.Mark();
+        ASSERT_TRUE(Press(s, {Keys::Enter, Keys::Down, Keys::Enter}));
+        // Nothing on the screen tells of the failure: the labels flip.
+        EXPECT_EQ(List(console), "Disable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
+                                 "Modify LANYX idle timeout\nRestart Management Agents");
+        std::vector<std::string> logs;
+        for (const std::string& line : host.Messages()) {
+            if (!line.starts_with("user.info User root"))
+                logs.push_back(line.substr(line.find('.') + 1));
+        }
+        EXPECT_EQ(logs, c.logs);
+        EXPECT_EQ(host.Messages("user.info").back(), "User root enabled SSH");
+        EXPECT_EQ(Service(host, "OstraShell"), json({{"running", true}, {"enabled", c.shellEnabled}}));
+        EXPECT_EQ(Service(host, "SSH"), json({{"running", true}, {"enabled", c.sshEnabled}}));
+        EXPECT_EQ(SshPortsOpen(host), c.portsOpen);
+        EXPECT_EQ(AgentRuns(host), c.agentRuns);
+    }
+}
+
+// ---------------------------------------------------------------- time-out dialogs
+
+TEST(Troubleshooting, ShellTimeoutsSetThroughTheHostTools)
+{
+    Session s;
+    Console& console = s.Screen();
+    HostRoot& host = s.Host();
+    ASSERT_TRUE(OpenMenu(s));
+    ASSERT_TRUE(Press(s, {Keys::Down, Keys::Down, Keys::Enter}));
+    ASSERT_TRUE(console.WaitForText("Set the timeouts for Ostra Shell access (local and remote)"));
+    EXPECT_TRUE(console.Find("Availability timeout"));
+    EXPECT_TRUE(console.CursorVisible());
+    // Letters do nothing, the first digit replaces the value; 1441 is refused with a message,
+    // and the idle value still goes to the host.
+    ASSERT_TRUE(Press(s, {"a", "1", "4", "4", "1", Keys::Down, "9", Keys::Enter}));
+    EXPECT_TRUE(console.Find("Timeout value must be between 0 (disabled) and 1440 minutes")) << console.Describe();
+    ASSERT_TRUE(Press(s, {Keys::Enter}));
+    EXPECT_TRUE(console.WaitForText(kMenuTitle));
+    EXPECT_FALSE(console.CursorVisible());
+    const json options = host.State()["advancedOptions"];
+    EXPECT_EQ(options["/UserVars/OstraShellTimeOut"]["value"], 0);
+    EXPECT_EQ(options["/UserVars/OstraShellInteractiveTimeOut"]["value"], 540);
+    EXPECT_EQ(host.Matching(Record::Syslog, "]: Modified shell interactive timeout to 9 minutes").size(), 1u);
+    EXPECT_TRUE(host.Matching(Record::Syslog, "Shell timeout").empty());
+}
+
+TEST(Troubleshooting, ConsoleTimeoutStoredAndEscapeKeepsIt)
+{
+    Session s("default", {.settings = {{"lanyx-timeout", "900"}}});
+    Console& console = s.Screen();
+    HostRoot& host = s.Host();
+    ASSERT_TRUE(OpenMenu(s));
+    ASSERT_TRUE(s.OpenEntry("Modify LANYX idle timeout"));
+    ASSERT_TRUE(console.WaitForText("Set idle timeout for LANYX access"));
+    EXPECT_TRUE(console.Find("[ 15"));
+    ASSERT_TRUE(Press(s, {"3", Keys::Escape}));
+    EXPECT_TRUE(console.WaitForText(kMenuTitle));
+    EXPECT_EQ(host.State()["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 900);
+    ASSERT_TRUE(Press(s, {Keys::Enter, "2", "5", Keys::Enter}));
+    EXPECT_TRUE(console.WaitForText(kMenuTitle));
+    EXPECT_EQ(host.State()["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 1500);
+    EXPECT_EQ(host.Matching(Record::Syslog, "]: Modified Lanyx timeout to 25 minutes").size(), 1u);
+}
+
+} // namespace
