@@ -197,6 +197,9 @@ void FormDialog::SelectNext()
 void FormDialog::SelectOrdinal(uint32_t ordinal)
 {
     list->SelectOrdinal(ordinal);
+    // Selected again or anew, a field's whole value is selected, so the next key replaces it.
+    if (InputItem* field = SelectedField())
+        field->OnSelectionChanged();
     Redraw();
 }
 
