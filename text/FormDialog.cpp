@@ -170,25 +170,15 @@ bool FormDialog::EditSelectedField(int key)
 
 void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, uint32_t messageId)
 {
-    SelectRefused(ordinal);
+    SelectOrdinal(ordinal);
     MessageDialog(this, titleId, messageId).RunModal();
     Redraw();
 }
 
 void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, const std::string& message)
 {
-    SelectRefused(ordinal);
+    SelectOrdinal(ordinal);
     MessageDialog(this, titleId, message).RunModal();
-    Redraw();
-}
-
-void FormDialog::SelectRefused(uint32_t ordinal)
-{
-    list->SelectOrdinal(ordinal);
-    // The refused value is selected whole, also when its field had the selection already, so
-    // that the next character typed replaces it.
-    if (InputItem* field = SelectedField())
-        field->SetValue(field->GetValue());
     Redraw();
 }
 
@@ -207,6 +197,9 @@ void FormDialog::SelectNext()
 void FormDialog::SelectOrdinal(uint32_t ordinal)
 {
     list->SelectOrdinal(ordinal);
+    // Selected again or anew, a field's whole value is selected, so the next key replaces it.
+    if (InputItem* field = SelectedField())
+        field->OnSelectionChanged();
     Redraw();
 }
 

@@ -85,7 +85,6 @@ protected:
 private:
     // Gives the key to the selected field when its filter or the edit keys allow; true if taken.
     bool EditSelectedField(int key);
-    void SelectRefused(uint32_t ordinal);
 
     std::vector<std::unique_ptr<Item>> ownedItems;
     std::map<const InputItem*, FieldFilter> filters;

@@ -110,7 +110,9 @@ bool MenuWindow::Execute()
             ShowSelectedEntry();
             break;
         case Keys::Escape:
-            return true;
+            if (ConfirmLeave())
+                return true;
+            break;
         case Keys::Enter:
             RunEntry(selected);
             break;

@@ -18,7 +18,7 @@ public:
     MenuWindow(Frame* owner, uint32_t titleId, std::string leftFooter);
     ~MenuWindow() override;
 
-    // Runs until Escape; true then, a menu's only way out.
+    // Runs until Escape that ConfirmLeave allows; true then, a menu's only way out.
     bool Execute() override;
     void Reload() override;
     // Left title and footer, the list, the selected entry's pane.
@@ -49,6 +49,8 @@ protected:
     virtual void HandleOtherKey(uint32_t id, int key);
     // The selection is about to leave entry `id`.
     virtual void LeavingEntry(uint32_t id);
+    // Escape: true leaves the menu; a menu that holds unsaved edits may ask first and stay.
+    virtual bool ConfirmLeave() { return true; }
 
 private:
     std::string leftFooterText;

@@ -67,6 +67,9 @@ nlohmann::json DefaultState() {
         {"ipv6Enabled", true},
         {"gateway", "192.168.10.1"},
         {"ipv6Gateway", ""},
+        // What a DHCP client on the management segment is given; null: no server answers.
+        {"dhcpOffer", {{"server", "192.168.10.254"}, {"address", "192.168.10.57"}, {"netmask", "255.255.255.0"},
+                       {"gateway", "192.168.10.1"}, {"dnsServers", {"192.168.10.2"}}}},
         {"dns", {{"servers", {"192.168.10.2", "192.168.10.3"}}, {"searchDomains", {"lab.example.test"}}, {"dhcp", false}}}};
     state["pnics"] = json::array({
         {{"name", "hwport0"}, {"pciLabel", "Tessellate  Ethernet Controller X710 for 10GbE SFP+ "},

@@ -36,6 +36,7 @@ void DhcpNoServer(json& state) {
     ipv4["dhcpServer"] = "0.0.0.0";
     ipv4["dhcpBound"] = false;
     state["network"]["gateway"] = "";
+    state["network"]["dhcpOffer"] = nullptr;
 }
 
 // The management interface hangs on port 12 of a distributed switch that holds hwport2 and hwport3;

@@ -148,9 +148,10 @@ void DnsConfigImpl::AddUserSearchDomain(const std::string& domain) {
 }
 
 void DnsConfigImpl::SaveConfig() {
-    UpdateState([](json& state) {
+    UpdateState([&](json& state) {
         CheckFault(state, {"DnsConfigImpl::SaveConfig"});
         Dns(state)["saved"] = true;
+        HostSim::Platform::RecordCall(state, "DnsConfigImpl::SaveConfig", stack_);
     });
 }
 

@@ -48,6 +48,14 @@ nlohmann::json StateFor(std::initializer_list<const char*> operations) {
     return state;
 }
 
+void RecordCall(nlohmann::json& state, const std::string& operation, const std::string& target) {
+    nlohmann::json& records = state["libRecords"];
+    if (!records.is_array()) records = nlohmann::json::array();
+    records.push_back({{"operation", operation}, {"target", target}});
+    constexpr size_t kKept = 500;
+    if (records.size() > kKept) records.erase(records.begin(), records.begin() + (records.size() - kKept));
+}
+
 std::string HostFile(const std::string& hostPath) { return RootPath(HostRoot(), hostPath); }
 
 } // namespace HostSim::Platform

@@ -23,6 +23,10 @@ nlohmann::json StateFor(std::initializer_list<const char*> operations);
 // The text of a lib fault set for the operation, or empty.
 std::string FaultText(const nlohmann::json& state, const char* operation);
 
+// Appends { "operation", "target" } to the state's libRecords (newest 500 kept), so that tests
+// can see calls that leave no other trace, and their order.
+void RecordCall(nlohmann::json& state, const std::string& operation, const std::string& target);
+
 // <root><hostPath> for the current LANYX_HOST_ROOT.
 std::string HostFile(const std::string& hostPath);
 

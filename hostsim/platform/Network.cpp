@@ -199,15 +199,38 @@ KN::IpConfig IpConfigFrom(const json& state, const json& nic, bool configured) {
     return config;
 }
 
+// What the segment's DHCP server (network.dhcpOffer) gives the interface; without a server the
+// interface waits with no address.
+void TakeLease(json& state, json& nic) {
+    json& network = Object(state, "network");
+    json& ipv4 = Object(nic, "ipv4");
+    const json offer = network.value("dhcpOffer", json());
+    const std::string zero = "0.0.0.0";
+    if (!offer.is_object() || Text(offer, "server").empty()) {
+        ipv4["address"] = ipv4["netmask"] = ipv4["dhcpServer"] = zero;
+        ipv4["dhcpBound"] = false;
+        return;
+    }
+    ipv4["address"] = Text(offer, "address");
+    ipv4["netmask"] = Text(offer, "netmask");
+    ipv4["dhcpServer"] = Text(offer, "server");
+    ipv4["dhcpBound"] = true;
+    network["gateway"] = Text(offer, "gateway");
+    json& dns = Object(network, "dns");
+    if (dns.value("dhcp", false)) dns["servers"] = ArrayOf(offer, "dnsServers");
+}
+
 void IpConfigInto(json& state, json& nic, const KN::IpConfig& config) {
+    Object(Object(state, "network"), "dns")["dhcp"] = config.GetDhcpDns();
     json& ipv4 = Object(nic, "ipv4");
     const std::string zero = "0.0.0.0";
     if (config.GetUseDhcp()) {
-        // The lease in force stays until the next renewal.
-        if (Text(ipv4, "mode") != "dhcp") ipv4["dhcpBound"] = false;
+        // A client that starts asks at once; one already running keeps its lease until renewal.
+        const bool starting = Text(ipv4, "mode") != "dhcp";
         ipv4["mode"] = "dhcp";
         ipv4["configuredAddress"] = zero;
         ipv4["configuredNetmask"] = zero;
+        if (starting) TakeLease(state, nic);
     } else if (config.GetIpv4UseNone()) {
         ipv4["mode"] = "none";
         ipv4["address"] = ipv4["netmask"] = ipv4["configuredAddress"] = ipv4["configuredNetmask"] = zero;
@@ -229,7 +252,6 @@ void IpConfigInto(json& state, json& nic, const KN::IpConfig& config) {
                              {"prefixLength", network.GetPrefixLength()},
                              {"type", AddressTypeName(network.GetIpv6AddressType())}});
     ipv6["addresses"] = addresses;
-    Object(Object(state, "network"), "dns")["dhcp"] = config.GetDhcpDns();
 }
 
 // Connection points of kind none and opaque.
@@ -713,6 +735,7 @@ void TesselNicImpl::Enable() {
     UpdateState([&](json& state) {
         CheckFault(state, {"TesselNicImpl::Enable"});
         Interface(state, name_)["enabled"] = true;
+        HostSim::Platform::RecordCall(state, "TesselNicImpl::Enable", name_);
     });
     stale_ = true;
 }
@@ -721,6 +744,7 @@ void TesselNicImpl::Disable() {
     UpdateState([&](json& state) {
         CheckFault(state, {"TesselNicImpl::Disable"});
         Interface(state, name_)["enabled"] = false;
+        HostSim::Platform::RecordCall(state, "TesselNicImpl::Disable", name_);
     });
     stale_ = true;
 }
@@ -801,12 +825,15 @@ void TesselNicImpl::SetDhcpBound(bool bound) {
     stale_ = true;
 }
 
-// A renewal is counted in the state so that tests can see it happen.
+// A renewal is counted and recorded; on a DHCP interface it takes the segment's lease afresh.
 void TesselNicImpl::RenewDhcp() {
     UpdateState([&](json& state) {
         CheckFault(state, {"TesselNicImpl::RenewDhcp"});
-        json& ipv4 = Object(Interface(state, name_), "ipv4");
+        json& nic = Interface(state, name_);
+        json& ipv4 = Object(nic, "ipv4");
         ipv4["renewals"] = ipv4.value("renewals", 0) + 1;
+        if (Text(ipv4, "mode") == "dhcp") TakeLease(state, nic);
+        HostSim::Platform::RecordCall(state, "TesselNicImpl::RenewDhcp", name_);
     });
     stale_ = true;
 }
@@ -816,6 +843,7 @@ void TesselNicImpl::RenewDhcp6() {
         CheckFault(state, {"TesselNicImpl::RenewDhcp6"});
         json& ipv6 = Object(Interface(state, name_), "ipv6");
         ipv6["renewals"] = ipv6.value("renewals", 0) + 1;
+        HostSim::Platform::RecordCall(state, "TesselNicImpl::RenewDhcp6", name_);
     });
     stale_ = true;
 }

@@ -19,6 +19,7 @@
 #include "keelson/Lib.hpp"
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
+#include "network/NetworkWindow.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/RestoreDialog.hpp"
 #include "system/TroubleShootingWindow.hpp"
@@ -327,7 +328,10 @@ void GeneralWindow::RunEntry(uint32_t id)
         KeyboardDialog(this).RunModal();
         Draw();
         break;
-    case Ids::ConfigureManagementNetwork: // network window
+    case Ids::ConfigureManagementNetwork:
+        NetworkWindow(this).RunModal();
+        Draw();
+        break;
     case Ids::TestManagementNetwork:      // network test dialog
     case Ids::NetworkRestoreOptions:      // network restore window
     default:
