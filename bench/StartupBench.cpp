@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "harness/Console.hpp"
-#include "harness/HostRoot.hpp"
+#include "HostRoot.hpp"
 
 using namespace LanyxE2E;
 using namespace std::chrono_literals;

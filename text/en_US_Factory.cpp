@@ -71,9 +71,4 @@ StringFactory* GetStringFactory(const std::string& locale) {
     return instance;
 }
 
-void ResetStringFactoryForTest() {
-    instance = nullptr;
-    versionLine[0] = '\0';
-}
-
 } // namespace Lanyx

@@ -16,7 +16,4 @@ public:
 // node cannot be read; the next call then tries again. Filled once, kept for the process.
 const char* VersionLine();
 
-// Forgets the version line and the instance, so that tests start from a fresh process state.
-void ResetStringFactoryForTest();
-
 } // namespace Lanyx

@@ -5,11 +5,14 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include "TestRoot.hpp"
+#include "HostRoot.hpp"
 #include "core/InputLoop.hpp"
 
 namespace Lanyx {
 namespace {
+
+// A failure would be logged; nothing may reach the machine.
+auto* const programHost = LanyxTest::AddProgramHost();
 
 // Standard input is replaced by an empty pipe, so that WaitForInput sees no key and only the
 // signal pipe can wake it.

@@ -5,11 +5,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "TestRoot.hpp"
+#include "HostRoot.hpp"
 #include "core/Startup.hpp"
 
 namespace Lanyx {
 namespace {
+
+// Nothing the core writes may reach the machine.
+auto* const programHost = LanyxTest::AddProgramHost();
 
 // The range edges and the log of a refused number are the end-to-end tests' matter; here, how the
 // text is read.
@@ -50,7 +53,7 @@ TEST(TerminalType, ConsoleModeAndTheTypeToSet) {
 }
 
 TEST(PidFile, TakenOverUnlessItsProcessRuns) {
-    const std::string path = Testing::hostRoot->root + "/var/run/lanyx.pid";
+    const std::string path = programHost->Host().File("/var/run/lanyx.pid");
     const auto Write = [&](const std::string& text) { std::ofstream(path) << text; };
     const auto Read = [&] {
         std::ifstream in(path);
@@ -73,7 +76,7 @@ TEST(PidFile, TakenOverUnlessItsProcessRuns) {
     EXPECT_EQ(ClaimPidFile(path, 4242), PidFileResult::HeldByAnother);
     EXPECT_EQ(Read(), other);
 
-    const std::string missing = Testing::hostRoot->root + "/no/such/folder/lanyx.pid";
+    const std::string missing = programHost->Host().File("/no/such/folder/lanyx.pid");
     EXPECT_EQ(ClaimPidFile(missing, 4242), PidFileResult::Written)
         << "an unwritable place is no error";
 }

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "CursesScreen.hpp"
-#include "TestRoot.hpp"
 #include "core/Colors.hpp"
 #include "core/Frame.hpp"
 #include "core/Globals.hpp"

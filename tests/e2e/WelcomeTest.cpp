@@ -13,8 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "harness/Console.hpp"
-#include "harness/HostRoot.hpp"
+#include "harness/Session.hpp"
 
 using namespace LanyxE2E;
 
@@ -26,13 +25,6 @@ constexpr int kTextColumn = 8;
 // A terminal tall enough for the warning text (it needs 29 lines); its warning starts on row 24.
 constexpr int kTallRows = 30, kTallWarningRow = 24;
 
-std::string Trimmed(std::string text)
-{
-    while (!text.empty() && text.back() == ' ')
-        text.pop_back();
-    return text;
-}
-
 size_t Count(const std::string& text, const std::string& what)
 {
     size_t count = 0;
@@ -41,68 +33,57 @@ size_t Count(const std::string& text, const std::string& what)
     return count;
 }
 
-class Welcome : public ::testing::Test {
-protected:
-    void Use(const std::string& profile) { root = std::make_unique<HostRoot>(profile); }
+// What a row of the default layout shows from the text column on.
+std::string At(const Console& console, int row, int col = kTextColumn)
+{
+    return console.Text(row, col, console.Cols() - col - 1);
+}
 
-    std::unique_ptr<Console> Start(int rows = 25, const std::string& term = "xterm-256color")
-    {
-        if (!root)
-            Use("default");
-        ConsoleOptions options = LanyxOptions(root->Path());
-        options.rows = rows;
-        options.term = term;
-        auto console = std::make_unique<Console>(options);
-        EXPECT_TRUE(WaitUntilDrawn(*console));
-        return console;
-    }
-
-    ::testing::AssertionResult WaitUntilDrawn(Console& console) { return console.WaitForFullScreen(ready); }
-
-    // What a row of the default layout shows from the text column on.
-    static std::string At(const Console& console, int row, int col = kTextColumn)
-    {
-        return Trimmed(console.Text(row, col, console.Cols() - col - 1));
-    }
-
-    std::unique_ptr<HostRoot> root;
-    std::string ready = "To manage this host, go to:";
-};
+// The console on `profile`, its first screen standing whole with `ready` on it.
+std::unique_ptr<Session> Start(const std::string& profile = "default", SessionOptions options = {},
+                               const std::string& ready = kWelcomeReady)
+{
+    auto s = std::make_unique<Session>(profile, std::move(options));
+    EXPECT_TRUE(s->Screen().WaitForFullScreen(ready));
+    EXPECT_TRUE(s->Settle());
+    return s;
+}
 
 // ---------------------------------------------------------------- default layout
 
-TEST_F(Welcome, DefaultHostShowsIdentityHardwareAndAddressesInItsColours)
+TEST(Welcome, DefaultHostShowsIdentityHardwareAndAddressesInItsColours)
 {
-    auto console = Start();
-    EXPECT_TRUE(At(*console, kVersionRow).starts_with("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ")) << console->Describe();
-    EXPECT_EQ(At(*console, kVendorRow), "Northwind Systems NX-2840 Rack Server");
-    EXPECT_EQ(At(*console, kHardwareRow), "2 x Tessellate(R) Core Gold 6430 @ 2.10GHz");
-    EXPECT_EQ(At(*console, kHardwareRow + 1), "127.7 GiB Memory");
-    EXPECT_EQ(At(*console, kManagementRow), "To manage this host, go to:");
-    EXPECT_EQ(At(*console, kManagementRow + 1), "https://lanyx-lab01/");
-    EXPECT_EQ(At(*console, kManagementRow + 2), "https://192.168.10.21/ (STATIC)");
-    EXPECT_EQ(At(*console, kManagementRow + 3), "https://[fe80::250:56ff:fe6a:1001]/");
-    EXPECT_EQ(At(*console, kManagementRow + 4), "");
+    auto s = Start();
+    Console& console = s->Screen();
+    EXPECT_TRUE(At(console, kVersionRow).starts_with("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ")) << console.Describe();
+    EXPECT_EQ(At(console, kVendorRow), "Northwind Systems NX-2840 Rack Server");
+    EXPECT_EQ(At(console, kHardwareRow), "2 x Tessellate(R) Core Gold 6430 @ 2.10GHz");
+    EXPECT_EQ(At(console, kHardwareRow + 1), "127.7 GiB Memory");
+    EXPECT_EQ(At(console, kManagementRow), "To manage this host, go to:");
+    EXPECT_EQ(At(console, kManagementRow + 1), "https://lanyx-lab01/");
+    EXPECT_EQ(At(console, kManagementRow + 2), "https://192.168.10.21/ (STATIC)");
+    EXPECT_EQ(At(console, kManagementRow + 3), "https://[fe80::250:56ff:fe6a:1001]/");
+    EXPECT_EQ(At(console, kManagementRow + 4), "");
     // The footer: F2 on the left, F12 against the right edge of the text.
-    EXPECT_EQ(console->Text(23, 2, 31), "<F2> Customize System/View Logs");
-    EXPECT_EQ(console->Text(23, 55, 23), "<F12> Shut Down/Restart");
-    EXPECT_EQ(console->CellAt(23, 79).text, "│") << "the box around the screen";
-    EXPECT_FALSE(console->CursorVisible());
+    EXPECT_EQ(console.Text(23, 2, 31), "<F2> Customize System/View Logs");
+    EXPECT_EQ(console.Text(23, 55, 23), "<F12> Shut Down/Restart");
+    EXPECT_EQ(console.CellAt(23, 79).text, "│") << "the box around the screen";
+    EXPECT_FALSE(console.CursorVisible());
 
     // White on dark grey above, black on amber below; key names in black, their meaning in dark grey.
     const std::tuple<int, int, int, int> colours[] = {
         {kVersionRow, kTextColumn, 7, 6}, {kManagementRow, kTextColumn, 0, 3}, {23, 2, 0, 3}, {23, 7, 6, 3}};
     for (const auto& [row, col, fg, bg] : colours) {
-        const Cell cell = console->CellAt(row, col);
+        const Cell cell = console.CellAt(row, col);
         EXPECT_TRUE(cell.fg.IsIndex(fg) && cell.bg.IsIndex(bg)) << row << "," << col << ": " << cell;
     }
     // An odd number of lines gives the lower half the extra one.
-    EXPECT_TRUE(console->CellAt(11, 40).bg.IsIndex(6)) << console->CellAt(11, 40);
-    EXPECT_TRUE(console->CellAt(12, 40).bg.IsIndex(3)) << console->CellAt(12, 40);
+    EXPECT_TRUE(console.CellAt(11, 40).bg.IsIndex(6)) << console.CellAt(11, 40);
+    EXPECT_TRUE(console.CellAt(12, 40).bg.IsIndex(3)) << console.CellAt(12, 40);
 }
 
 // The warning below the addresses needs 29 lines; it is wrapped in the text's 48 cells.
-TEST_F(Welcome, AddressModesAndWarnings)
+TEST(Welcome, AddressModesAndWarnings)
 {
     struct Case {
         std::string profile;
@@ -110,7 +91,6 @@ TEST_F(Welcome, AddressModesAndWarnings)
         std::string address, warning, warningNext; // no warning: none shown; the next line: placed and wrapped
     };
     const Case cases[] = {
-        {"dhcp", kTallRows, "https://192.168.10.57/ (DHCP)", "", ""},
         {"dhcp-no-server", kTallRows, "https://0.0.0.0/ (Waiting for DHCP...)",
          "Warning: DHCP lookup failed. You may be unable", "to access this system until you customize its"},
         {"dhcp-no-server", kTallRows - 2, "https://0.0.0.0/ (Waiting for DHCP...)", "", ""},
@@ -118,223 +98,181 @@ TEST_F(Welcome, AddressModesAndWarnings)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.profile + " on " + std::to_string(c.rows) + " lines");
-        Use(c.profile);
-        auto console = Start(c.rows);
-        EXPECT_TRUE(console->WaitForText(c.address));
+        auto s = Start(c.profile, {.rows = c.rows}, "<F2> Customize System/View Logs");
+        Console& console = s->Screen();
+        EXPECT_TRUE(console.WaitForText(c.address));
         if (c.warning.empty()) {
-            EXPECT_FALSE(console->Find("Warning")) << console->Describe();
-            EXPECT_TRUE(console->Find("<F2> Customize System/View Logs"));
+            EXPECT_FALSE(console.Find("Warning")) << console.Describe();
+            EXPECT_TRUE(console.Find("<F2> Customize System/View Logs"));
             continue;
         }
-        ASSERT_TRUE(console->WaitForText(c.warning));
+        ASSERT_TRUE(console.WaitForText(c.warning));
         if (c.warningNext.empty())
             continue;
-        EXPECT_EQ(At(*console, kTallWarningRow, 16), c.warning) << console->Describe();
-        EXPECT_EQ(At(*console, kTallWarningRow + 1, 16), c.warningNext);
-        const Cell cell = console->CellAt(kTallWarningRow, 16);
+        EXPECT_EQ(At(console, kTallWarningRow, 16), c.warning) << console.Describe();
+        EXPECT_EQ(At(console, kTallWarningRow + 1, 16), c.warningNext);
+        const Cell cell = console.CellAt(kTallWarningRow, 16);
         EXPECT_TRUE(cell.fg.IsIndex(6) && cell.bg.IsIndex(3)) << cell;
     }
 }
 
-TEST_F(Welcome, HostWithoutAdaptersSaysSoAndAlertsOnce)
+TEST(Welcome, HostWithoutAdaptersSaysSoAndAlertsOnce)
 {
-    Use("no-nics");
-    ready = "No compatible network adapter found. Please consult the";
-    auto console = Start();
-    EXPECT_FALSE(console->Find("https://"));
-    EXPECT_TRUE(console->Find("Hardware Compatibility Guide (HCG)"));
+    auto s = Start("no-nics", {}, "No compatible network adapter found. Please consult the");
+    Console& console = s->Screen();
+    HostRoot& root = s->Host();
+    EXPECT_FALSE(console.Find("https://"));
+    EXPECT_TRUE(console.Find("Hardware Compatibility Guide (HCG)"));
     // Reloads by signal and by key do not raise the alert again.
-    console->Signal(SIGUSR1);
-    console->Send("x");
-    console->Signal(SIGUSR1);
-    ASSERT_TRUE(console->WaitFor([&] { return Count(root->State(), "No compatible network adapter found.") >= 1; }));
-    console->Send(Keys::F(4));
-    console->Signal(SIGTERM);
-    ASSERT_TRUE(console->ExitsWith(0));
-    EXPECT_EQ(Count(root->State(), "No compatible network adapter found."), 1u) << root->State();
-}
-
-TEST_F(Welcome, Ipv6AddressesShortestFirstAndCutToTheText)
-{
-    Use("ipv6");
-    auto console = Start();
-    EXPECT_EQ(At(*console, kManagementRow + 3), "https://[2001:db8:10::21]/ (STATIC)");
-    EXPECT_EQ(At(*console, kManagementRow + 4), "https://[2001:db8:10::1:9c]/ (DHCP)");
-    EXPECT_EQ(At(*console, kManagementRow + 5), "https://[fe80::250:56ff:fe6a:1001]/");
-    EXPECT_EQ(At(*console, kManagementRow + 6), "https://[2001:db8:10:0:250:56ff:fe6a:1001]/ (AUTOCONF)");
-    // Of six addresses four are taken; the "..." behind them falls below the text's seven lines.
-    EXPECT_FALSE(console->Find("fd00:10::21"));
-    EXPECT_FALSE(console->Find("..."));
-    EXPECT_TRUE(console->Find("<F2> Customize System/View Logs"));
-    // Switched off, IPv6 leaves no line.
-    root->Set("ipv6-enabled", "false");
-    console->Signal(SIGUSR1);
-    ASSERT_TRUE(console->WaitForTextGone("https://["));
-    EXPECT_EQ(At(*console, kManagementRow + 2), "https://192.168.10.21/ (STATIC)");
+    console.Signal(SIGUSR1);
+    s->Key("x");
+    console.Signal(SIGUSR1);
+    s->Key(Keys::F(4));
+    ASSERT_TRUE(s->Settle());
+    EXPECT_EQ(Count(root.State().dump(), "No compatible network adapter found."), 1u) << root.State();
 }
 
 // ---------------------------------------------------------------- custom layout
 
-TEST_F(Welcome, CustomMessageWithItsSubstitutions)
+TEST(Welcome, CustomMessageWithItsSubstitutions)
 {
-    Use("custom-welcome");
-    ready = "Zephora Ostra 8.0.3 build-24280767";
-    auto console = Start();
+    const std::string ready = "Zephora Ostra 8.0.3 build-24280767";
+    auto s = Start("custom-welcome", {}, ready);
+    Console& console = s->Screen();
     // Centred in the text of 76 cells that starts in column 2.
-    EXPECT_EQ(console->Find(ready), std::make_optional(std::make_pair(2, 2 + (76 - 34) / 2)));
-    EXPECT_EQ(At(*console, 4, 2), "Host lanyx-lab01.lab.example.test (192.168.10.21)");
-    EXPECT_EQ(At(*console, 5, 2), "Memory: 127.7 GB  Serial: NWS7Q4K2B19  Service tag: 7Q4K2B1");
-    EXPECT_EQ(At(*console, 6, 2), "BIOS: 2.14.1 (2.14) 03/11/2026  Asset tag: LAB-0042");
-    EXPECT_EQ(At(*console, 8, 2), "Authorized use only.");
+    EXPECT_EQ(console.Find(ready), std::make_optional(std::make_pair(2, 2 + (76 - 34) / 2)));
+    EXPECT_EQ(At(console, 4, 2), "Host lanyx-lab01.lab.example.test (192.168.10.21)");
+    EXPECT_EQ(At(console, 5, 2), "Memory: 127.7 GB  Serial: NWS7Q4K2B19  Service tag: 7Q4K2B1");
+    EXPECT_EQ(At(console, 6, 2), "BIOS: 2.14.1 (2.14) 03/11/2026  Asset tag: LAB-0042");
+    EXPECT_EQ(At(console, 8, 2), "Authorized use only.");
     // No default footer, no hardware lines; the box stays.
-    EXPECT_FALSE(console->Find("To manage this host"));
-    EXPECT_FALSE(console->Find("Customize System/View Logs"));
-    EXPECT_FALSE(console->Find("GiB Memory"));
-    EXPECT_EQ(console->CellAt(0, 0).text, "┌");
-    EXPECT_TRUE(console->CellAt(4, 2).bg.IsIndex(0)) << console->CellAt(4, 2);
+    EXPECT_FALSE(console.Find("To manage this host"));
+    EXPECT_FALSE(console.Find("Customize System/View Logs"));
+    EXPECT_FALSE(console.Find("GiB Memory"));
+    EXPECT_EQ(console.CellAt(0, 0).text, "┌");
+    EXPECT_TRUE(console.CellAt(4, 2).bg.IsIndex(0)) << console.CellAt(4, 2);
 }
 
-TEST_F(Welcome, CustomMessageWithThumbprintsAndFingerprints)
+TEST(Welcome, CustomMessageWithThumbprintsAndFingerprints)
 {
-    root = std::make_unique<HostRoot>("default");
-    root->Set("welcome-message", "SHA1 {ssl-thumbprint-sha-1}\nRSA {ssh-rsa-fingerprint}\nEnd");
-    ready = "End";
-    auto console = Start();
-    const std::string sha1 = At(*console, 2, 2);
+    auto s = Start("default", {.settings = {{"welcome-message", "SHA1 {ssl-thumbprint-sha-1}\nRSA {ssh-rsa-fingerprint}\nEnd"}}},
+                   "End");
+    Console& console = s->Screen();
+    const std::string sha1 = At(console, 2, 2);
     EXPECT_EQ(sha1.size(), 5u + 59u) << sha1;
     EXPECT_EQ(Count(sha1, ":"), 19u) << sha1;
-    EXPECT_TRUE(At(*console, 3, 2).starts_with("RSA SHA256:")) << console->Describe();
-    EXPECT_TRUE(root->Matching(Record::Syslog, "SSL thumbprint").empty());
+    EXPECT_TRUE(At(console, 3, 2).starts_with("RSA SHA256:")) << console.Describe();
+    EXPECT_TRUE(s->Host().Matching(Record::Syslog, "SSL thumbprint").empty());
 }
 
 // ---------------------------------------------------------------- following the host
 
-TEST_F(Welcome, ReloadSignalAndKeysShowHostChanges)
+TEST(Welcome, ReloadSignalAndKeysShowHostChanges)
 {
-    auto console = Start();
-    root->Set("hostname", "renamed-host");
-    console->Signal(SIGUSR1);
-    EXPECT_TRUE(console->WaitForText("https://renamed-host/"));
+    auto s = Start();
+    Console& console = s->Screen();
+    HostRoot& root = s->Host();
+    root.Set("hostname", "renamed-host");
+    console.Signal(SIGUSR1);
+    EXPECT_TRUE(console.WaitForText("https://renamed-host/"));
     // The welcome message comes and goes with the next reload.
-    root->Set("welcome-message", "Maintenance window until Friday");
-    console->Signal(SIGUSR1);
-    ASSERT_TRUE(console->WaitForText("Maintenance window until Friday"));
-    EXPECT_TRUE(console->WaitForTextGone("To manage this host"));
-    EXPECT_EQ(console->Find("Maintenance window until Friday"), std::make_optional(std::make_pair(2, 2)));
-    root->Set("welcome-message", "");
-    console->Signal(SIGUSR1);
-    ASSERT_TRUE(console->WaitForText("To manage this host, go to:"));
-    EXPECT_TRUE(console->WaitForTextGone("Maintenance window"));
-    EXPECT_TRUE(console->WaitForText("127.7 GiB Memory"));
+    root.Set("welcome-message", "Maintenance window until Friday");
+    console.Signal(SIGUSR1);
+    ASSERT_TRUE(console.WaitForText("Maintenance window until Friday"));
+    EXPECT_TRUE(console.WaitForTextGone("To manage this host"));
+    EXPECT_EQ(console.Find("Maintenance window until Friday"), std::make_optional(std::make_pair(2, 2)));
+    root.Set("welcome-message", "");
+    console.Signal(SIGUSR1);
+    ASSERT_TRUE(console.WaitForText("To manage this host, go to:"));
+    EXPECT_TRUE(console.WaitForTextGone("Maintenance window"));
+    EXPECT_TRUE(console.WaitForText("127.7 GiB Memory"));
     // Any other key reloads too; a host named localhost has no name line.
-    root->Set("hostname", "localhost");
-    // A key typed while the screen is being drawn may be dropped; the next one is not.
-    ASSERT_TRUE(console->WaitFor(
-        [&] {
-            console->Send("x");
-            console->Pump(200ms);
-            return At(*console, kManagementRow + 1) == "https://192.168.10.21/ (STATIC)";
-        },
-        10s, "a repaint without the host name line"));
-    EXPECT_TRUE(console->Running());
+    root.Set("hostname", "localhost");
+    s->Key("x");
+    ASSERT_TRUE(s->Settle());
+    EXPECT_EQ(At(console, kManagementRow + 1), "https://192.168.10.21/ (STATIC)");
 }
 
-// Every reload ends with a change of activation, which drops keys typed meanwhile; a toggle is
-// sent again only when a whole second passed without its effect.
-::testing::AssertionResult ToggleUntil(Console& console, const std::function<bool()>& shown)
+TEST(Welcome, F4TogglesMonochrome)
 {
-    for (int attempt = 0; attempt < 10; ++attempt) {
-        console.Send(Keys::F(4));
-        if (console.WaitFor(shown, 1s, "toggled"))
-            return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << "F4 had no effect\n" << console.Describe();
-}
-
-TEST_F(Welcome, F4TogglesMonochrome)
-{
-    auto console = Start();
-    const auto versionCell = [&] { return console->CellAt(kVersionRow, kTextColumn); };
-    ASSERT_FALSE(versionCell().reverse) << versionCell();
-    ASSERT_TRUE(ToggleUntil(*console, [&] { return versionCell().reverse; }));
-    EXPECT_EQ(versionCell().bg.kind, Color::Kind::Default) << versionCell();
-    // The screen is drawn text by text; once all stands, amber has no standout.
-    EXPECT_TRUE(console->WaitFor([&] { return !console->CellAt(kManagementRow, kTextColumn).reverse; }, 10s,
-                                 "no standout on amber"));
-    ASSERT_TRUE(ToggleUntil(*console, [&] { return !versionCell().reverse; }));
-    EXPECT_TRUE(console->WaitFor([&] { return versionCell().bg.IsIndex(6); }, 10s, "colours back")) << versionCell();
+    auto s = Start();
+    Console& console = s->Screen();
+    const auto version = [&] { return console.CellAt(kVersionRow, kTextColumn); };
+    ASSERT_FALSE(version().reverse) << version();
+    s->Key(Keys::F(4));
+    ASSERT_TRUE(s->Settle());
+    EXPECT_TRUE(version().reverse) << version();
+    EXPECT_EQ(version().bg.kind, Color::Kind::Default) << version();
+    EXPECT_FALSE(console.CellAt(kManagementRow, kTextColumn).reverse) << "amber has no standout";
+    s->Key(Keys::F(4));
+    ASSERT_TRUE(s->Settle());
+    EXPECT_FALSE(version().reverse) << version();
+    EXPECT_TRUE(version().bg.IsIndex(6)) << version();
 }
 
 // "linux" on something that is no virtual terminal becomes "vt102", as does no TERM at all:
 // no colour, standout for the dark zones, and F4 has nothing to toggle.
-TEST_F(Welcome, MonochromeTerminalUsesStandoutAndF4OnlyRepaints)
+TEST(Welcome, MonochromeTerminalUsesStandoutAndF4OnlyRepaints)
 {
     for (const char* term : {"linux", ""}) {
         SCOPED_TRACE(std::string("TERM=") + term);
-        Use("default");
-        auto console = Start(25, term);
-        const Cell version = console->CellAt(kVersionRow, kTextColumn);
+        auto s = Start("default", {.term = term});
+        Console& console = s->Screen();
+        const Cell version = console.CellAt(kVersionRow, kTextColumn);
         ASSERT_TRUE(version.reverse) << version;
         EXPECT_EQ(version.fg.kind, Color::Kind::Default) << version;
         EXPECT_EQ(version.bg.kind, Color::Kind::Default) << version;
-        EXPECT_FALSE(console->CellAt(kManagementRow, kTextColumn).reverse) << "amber has no standout";
-        EXPECT_FALSE(console->Redefined(6)) << "no colour is redefined";
-        console->Send(Keys::F(4));
-        // A toggle would leave the upper half without standout for good; a repaint brings it back.
-        EXPECT_TRUE(console->WaitFor(
-            [&] {
-                return console->CellAt(kVersionRow, kTextColumn).reverse &&
-                       console->CellAt(console->Rows() - 1, console->Cols() - 1).text == "┘";
-            },
-            10s, "the screen repainted, still monochrome"));
-        EXPECT_TRUE(console->Running());
+        EXPECT_FALSE(console.CellAt(kManagementRow, kTextColumn).reverse) << "amber has no standout";
+        EXPECT_FALSE(console.Redefined(6)) << "no colour is redefined";
+        // A toggle would leave the upper half without standout for good.
+        s->Key(Keys::F(4));
+        ASSERT_TRUE(s->Settle());
+        EXPECT_TRUE(console.CellAt(kVersionRow, kTextColumn).reverse);
     }
 }
 
-TEST_F(Welcome, LibraryFailureLeavesTheAddressesEmpty)
+TEST(Welcome, LibraryFailureLeavesTheAddressesEmpty)
 {
-    Use("default");
-    root->Fault({"lib", "DnsConfigImpl::GetHostname", "name service down"});
     // The host name is asked before the texts of the upper half are made, so only the footer
     // stands after the first filling.
-    ready = "<F2> Customize System/View Logs";
-    auto console = Start();
-    EXPECT_FALSE(console->Find("To manage this host"));
-    EXPECT_FALSE(console->Find("Northwind"));
-    EXPECT_TRUE(console->Running());
+    auto s = Start("default", {.faults = {{"lib", "DnsConfigImpl::GetHostname", "name service down"}}},
+                   "<F2> Customize System/View Logs");
+    Console& console = s->Screen();
+    HostRoot& root = s->Host();
+    EXPECT_FALSE(console.Find("To manage this host"));
+    EXPECT_FALSE(console.Find("Northwind"));
     // Once the host answers again, a reload brings everything.
-    root->Fault({"clear"});
-    console->Signal(SIGUSR1);
-    EXPECT_TRUE(console->WaitForText("https://lanyx-lab01/"));
-    EXPECT_TRUE(console->WaitForText("Northwind Systems NX-2840 Rack Server"));
+    root.Fault({"clear"});
+    console.Signal(SIGUSR1);
+    EXPECT_TRUE(console.WaitForText("https://lanyx-lab01/"));
+    EXPECT_TRUE(console.WaitForText("Northwind Systems NX-2840 Rack Server"));
     // A failure on a screen that has its texts empties only the addresses.
-    root->Fault({"lib", "DnsConfigImpl::GetHostname", "name service down"});
-    console->Signal(SIGUSR1);
-    EXPECT_TRUE(console->WaitForTextGone("To manage this host"));
-    EXPECT_TRUE(console->Find("Northwind Systems NX-2840 Rack Server"));
-    EXPECT_TRUE(root->Matching(Record::Syslog, "name service down").empty()) << "nothing is logged";
+    root.Fault({"lib", "DnsConfigImpl::GetHostname", "name service down"});
+    console.Signal(SIGUSR1);
+    EXPECT_TRUE(console.WaitForTextGone("To manage this host"));
+    EXPECT_TRUE(console.Find("Northwind Systems NX-2840 Rack Server"));
+    EXPECT_TRUE(root.Matching(Record::Syslog, "name service down").empty()) << "nothing is logged";
 }
 
 // Without the host's state or its welcome message there is no screen: the program ends through
 // its top-level handler, the terminal restored.
-TEST_F(Welcome, UnreadableHostEndsTheProgram)
+TEST(Welcome, UnreadableHostEndsTheProgram)
 {
-    const std::vector<std::pair<std::function<void(HostRoot&)>, std::string>> cases = {
-        {[](HostRoot& host) { host.WriteFile("/var/lib/hostsim/state.json", "{ this is not json"); }, "state.json"},
-        {[](HostRoot& host) { host.Fault({"lib", "SystemInfoImpl::GetWelcomeMessage", "message store gone"}); },
+    const std::vector<std::pair<SessionOptions, std::string>> cases = {
+        {{.prepare = [](HostRoot& host) { host.Write("/var/lib/hostsim/state.json", "{ this is not json"); }},
+         "state.json"},
+        {{.faults = {{"lib", "SystemInfoImpl::GetWelcomeMessage", "message store gone"}}},
          "exception: message store gone"},
     };
     for (const auto& [damage, named] : cases) {
         SCOPED_TRACE(named);
-        Use("default");
-        damage(*root);
-        Console console(LanyxOptions(root->Path()));
-        ASSERT_TRUE(console.ExitsWith(0));
-        ASSERT_TRUE(root->WaitForLine(Record::Syslog, "LANYX aborted by exception: "));
-        const auto aborted = root->Matching(Record::Syslog, "LANYX aborted by exception: ");
+        Session s("default", damage);
+        ASSERT_TRUE(s.Screen().ExitsWith(0));
+        ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "LANYX aborted by exception: "));
+        const auto aborted = s.Host().Matching(Record::Syslog, "LANYX aborted by exception: ");
         ASSERT_EQ(aborted.size(), 1u);
         EXPECT_NE(aborted[0].find(named), std::string::npos) << "the text names the cause: " << aborted[0];
-        EXPECT_TRUE(console.Modes().c_lflag & ICANON) << "terminal modes restored";
+        EXPECT_TRUE(s.Screen().Modes().c_lflag & ICANON) << "terminal modes restored";
     }
 }
 

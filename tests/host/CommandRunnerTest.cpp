@@ -1,7 +1,8 @@
 // RunCommand against small tools under a private host root.
 #include "host/CommandRunner.hpp"
 
-#include "TestRoot.hpp"
+#include "ProgramRoot.hpp"
+#include "host/HostRoot.hpp"
 
 #include <chrono>
 #include <csignal>
@@ -18,7 +19,7 @@
 #include <unistd.h>
 
 using namespace Lanyx;
-using HostTest::WriteScript;
+using HostTest::Host;
 using ::testing::ElementsAre;
 
 namespace {
@@ -27,19 +28,19 @@ class RunCommandTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        WriteScript("/bin/status", "exit \"$1\"");
-        WriteScript("/bin/selfkill", "kill -TERM $$\nexit 0");
-        WriteScript("/bin/bytes", "i=0\nwhile [ $i -lt \"$1\" ]; do printf x; i=$((i+1)); done");
-        WriteScript("/bin/both", "printf out-text\nprintf err-text >&2\nexit 3");
-        WriteScript("/bin/flood", "/bin/dd if=/dev/zero bs=65536 count=16 status=none >&2\n"
+        Host().WriteScript("/bin/status", "exit \"$1\"");
+        Host().WriteScript("/bin/selfkill", "kill -TERM $$\nexit 0");
+        Host().WriteScript("/bin/bytes", "i=0\nwhile [ $i -lt \"$1\" ]; do printf x; i=$((i+1)); done");
+        Host().WriteScript("/bin/both", "printf out-text\nprintf err-text >&2\nexit 3");
+        Host().WriteScript("/bin/flood", "/bin/dd if=/dev/zero bs=65536 count=16 status=none >&2\n"
                                   "exec /bin/dd if=/dev/zero bs=65536 count=16 status=none");
-        WriteScript("/bin/hang", "exec /bin/sleep 60");
-        WriteScript("/bin/echoin", "exec /bin/cat");
-        WriteScript("/bin/noread", "exit 4");
-        WriteScript("/bin/daemonize", "/bin/sleep 30 &\nprintf started\nexit 0");
-        HostTest::WriteFile("/bin/plain", "not a program\n");
+        Host().WriteScript("/bin/hang", "exec /bin/sleep 60");
+        Host().WriteScript("/bin/echoin", "exec /bin/cat");
+        Host().WriteScript("/bin/noread", "exit 4");
+        Host().WriteScript("/bin/daemonize", "/bin/sleep 30 &\nprintf started\nexit 0");
+        Host().Write("/bin/plain", "not a program\n");
         for (const char* tool : {"ls", "grep", "printenv"})
-            std::filesystem::create_symlink(std::string("/usr/bin/") + tool, HostTest::Under("/bin/") + tool);
+            std::filesystem::create_symlink(std::string("/usr/bin/") + tool, Host().File("/bin/") + tool);
     }
 
     // Runs <root>/bin/<first word> with the words as its vector, capturing 255 bytes of stdout.
@@ -82,14 +83,14 @@ TEST_F(RunCommandTest, ResultIsTheExitStatusOrMinusOne)
 TEST_F(RunCommandTest, KillsAtTheTimeOutLogsBothLinesAndLeavesNothingOpen)
 {
     const int before = OpenDescriptors();
-    const HostTest::LogMark mark;
+    Host().Mark();
     const char* const argv[] = {"hang", nullptr};
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(RunCommand("/bin/hang", argv, nullptr, nullptr, nullptr, nullptr, nullptr, 0, 1), -1);
     const auto elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_GE(elapsed, std::chrono::milliseconds(950));
     EXPECT_LT(elapsed, std::chrono::seconds(20));
-    EXPECT_THAT(mark.Lines(), ElementsAre("user.warning Killing process because 1 seconds timeout expired",
+    EXPECT_THAT(Host().Messages(), ElementsAre("user.warning Killing process because 1 seconds timeout expired",
                                           "user.err Run Command did not terminate normally"));
     EXPECT_EQ(OpenDescriptors(), before);
 }
@@ -159,3 +160,15 @@ TEST_F(RunCommandTest, ChildGetsThreeDescriptorsOneVariableAndTheBlockedSignals)
 }
 
 } // namespace
+
+// Each lookup takes the root as it is now: a second root made by a test is not the first again.
+TEST(HostPath, FollowsTheCurrentRootAndLeavesDevicesAlone)
+{
+    for (int round = 0; round < 2; ++round) {
+        const LanyxTest::HostRoot root("");
+        EXPECT_EQ(HostPath("/var/run/lanyx.pid"), root.Path() + "/var/run/lanyx.pid") << round;
+    }
+    EXPECT_EQ(HostPath("/bin/sh"), Host().Path() + "/bin/sh") << "the program's root again";
+    for (const char* kept : {"/dev/tty1", "/usr/share/terminfo/x/xterm", "relative/path", ""})
+        EXPECT_EQ(HostPath(kept), kept);
+}

@@ -1,14 +1,13 @@
 // The hostsim program, run as a child on temporary folders.
-#include <sys/wait.h>
-
-#include <cstdio>
+#include <algorithm>
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
-#include "TempRoot.hpp"
+#include "HostRoot.hpp"
+#include "store/StateStore.hpp"
 
-using HostSimTest::TempRoot;
+using LanyxTest::HostRoot;
 
 namespace {
 
@@ -17,24 +16,11 @@ struct Result {
     std::string output;
 };
 
-// Runs hostsim with the arguments (quoted for the shell), stdout and stderr together.
 Result Hostsim(const std::vector<std::string>& args) {
-    std::string line = HOSTSIM_BINARY;
-    for (const std::string& arg : args) {
-        std::string quoted = "'";
-        for (char c : arg) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-        line += " " + quoted + "'";
-    }
-    line += " 2>&1";
-    Result result{-1, ""};
-    FILE* pipe = ::popen(line.c_str(), "r");
-    if (pipe == nullptr) return result;
-    char buffer[4096];
-    size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) result.output.append(buffer, n);
-    int status = ::pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return result;
+    std::vector<std::string> argv{LanyxTest::HostsimBinary()};
+    argv.insert(argv.end(), args.begin(), args.end());
+    const LanyxTest::ProcessResult result = LanyxTest::RunProcess(argv);
+    return {result.exit.Code(), result.output};
 }
 
 std::vector<std::string> ProfileNames() {
@@ -48,7 +34,7 @@ std::vector<std::string> ProfileNames() {
     return names;
 }
 
-bool Exists(const TempRoot& root, const std::string& hostPath) { return std::filesystem::exists(root.File(hostPath)); }
+bool Exists(const HostRoot& root, const std::string& hostPath) { return std::filesystem::exists(root.File(hostPath)); }
 
 } // namespace
 
@@ -58,10 +44,10 @@ TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
         EXPECT_NE(std::find(names.begin(), names.end(), required), names.end()) << required;
     for (const std::string& profile : names) {
         SCOPED_TRACE(profile);
-        TempRoot root;
+        HostRoot root("");
         auto result = Hostsim({"create", root.Path(), "--profile", profile, "--force"});
         ASSERT_EQ(result.status, 0) << result.output;
-        auto state = root.Store().Read();
+        auto state = HostSim::StateStore(root.Path()).Read();
         EXPECT_EQ(state["profile"], profile);
         EXPECT_TRUE(state["accounts"].is_array());
         for (const char* path : {"/bin/sh", "/bin/helmq", "/sbin/ostraq", "/etc/init.d/SSH", "/etc/zephora/support",
@@ -73,7 +59,7 @@ TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
 }
 
 TEST(HostsimCommand, DefaultRootHasTheRealCertificateAndIsNotReplacedUnasked) {
-    TempRoot root;
+    HostRoot root("");
     ASSERT_EQ(Hostsim({"create", root.Path(), "--force"}).status, 0);
     // The root's shell sees the root's commands first.
     EXPECT_NE(root.Read("/bin/sh").find("PATH=" + root.Path() + "/bin:" + root.Path() + "/sbin:"), std::string::npos);
@@ -86,13 +72,13 @@ TEST(HostsimCommand, DefaultRootHasTheRealCertificateAndIsNotReplacedUnasked) {
 }
 
 TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
-    TempRoot root;
+    HostRoot root("");
     ASSERT_EQ(Hostsim({"create", root.Path(), "--force"}).status, 0);
     EXPECT_EQ(Hostsim({"set", root.Path(), "lanyx-timeout", "300"}).status, 0);
     EXPECT_EQ(Hostsim({"fault", root.Path(), "lib", "SmartCardInfoImpl::GetToken", "reader gone"}).status, 0);
     EXPECT_EQ(Hostsim({"fault", root.Path(), "tool", "helmq", "exit", "255"}).status, 0);
     EXPECT_EQ(Hostsim({"fault", root.Path(), "tool", "helmq", "output", "true"}).status, 0);
-    auto state = root.Store().Read();
+    auto state = HostSim::StateStore(root.Path()).Read();
     EXPECT_EQ(state["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 300);
     EXPECT_EQ(state["faults"]["tool"]["helmq"], (nlohmann::json{{"exit", 255}, {"output", "true"}}));
 
@@ -111,7 +97,7 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
 
     EXPECT_EQ(Hostsim({"set", root.Path(), "lanyx-timeout", "none"}).status, 0);
     EXPECT_EQ(Hostsim({"fault", root.Path(), "clear", "helmq"}).status, 0);
-    state = root.Store().Read();
+    state = HostSim::StateStore(root.Path()).Read();
     EXPECT_FALSE(state["advancedOptions"].contains("/UserVars/LanyxTimeOut"));
     EXPECT_FALSE(state["faults"]["tool"].contains("helmq"));
     EXPECT_TRUE(state["faults"]["lib"].contains("SmartCardInfoImpl::GetToken"));

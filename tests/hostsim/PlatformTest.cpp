@@ -8,7 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "TempRoot.hpp"
+#include "HostRoot.hpp"
+#include "store/StateStore.hpp"
 #include "keelson/Adv.hpp"
 #include "keelson/Hardware.hpp"
 #include "keelson/Lib.hpp"
@@ -17,7 +18,7 @@
 #include "zephora/probe.h"
 #include "zephora/support.h"
 
-using HostSimTest::TempRoot;
+using TempRoot = LanyxTest::HostRoot;
 using Keelson::Lib::KeelsonException;
 
 namespace {
@@ -30,10 +31,6 @@ nlohmann::json SmallState() {
              {{"slots", {{{"name", "empty"}, {"token", nullptr}},
                          {{"name", "card"}, {"token", {{"label", "PIV"}, {"userIds", {"root"}}}}}}}}},
             {"faults", {{"lib", nlohmann::json::object()}, {"tool", nlohmann::json::object()}}}};
-}
-
-void SetFault(const TempRoot& root, const std::string& operation, const std::string& text) {
-    root.Store().Update([&](nlohmann::json& s) { s["faults"]["lib"][operation] = text; });
 }
 
 std::string ThrownText(const std::function<void()>& call) {
@@ -62,10 +59,10 @@ std::string WithoutStamps(const std::string& text) {
 } // namespace
 
 TEST(Platform, DamagedOrMissingStateBecomesKeelsonExceptionNamingTheFile) {
-    TempRoot root;
+    TempRoot root("");
     std::string text = ThrownText([] { delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"); });
     EXPECT_NE(text.find("state.json"), std::string::npos) << text;
-    root.WriteRaw("/var/lib/hostsim/state.json", "{\"product\": ");
+    root.Write("/var/lib/hostsim/state.json", "{\"product\": ");
     text = ThrownText([] { TesselCtl::Hardware::GetSmartCardInfo().GetAllSlots(); });
     EXPECT_NE(text.find("damaged"), std::string::npos) << text;
     EXPECT_EQ(root.Read("/var/lib/hostsim/state.json"), "{\"product\": ");
@@ -75,13 +72,13 @@ TEST(Platform, DamagedOrMissingStateBecomesKeelsonExceptionNamingTheFile) {
 }
 
 TEST(Platform, FaultsMakeTheNamedOperationFail) {
-    TempRoot root;
-    root.Store().Write(SmallState());
-    SetFault(root, "AdvancedOptionImpl::FindOption", "options broken");
-    SetFault(root, "SmartCardInfoImpl::GetToken", "reader broken");
-    SetFault(root, "SysinfoUtil::SysinfoGet", "node broken");
-    SetFault(root, "TesselCtl_Exec", "exec broken");
-    SetFault(root, "NotaUserLib_Init", "no notad");
+    TempRoot root("");
+    HostSim::StateStore(root.Path()).Write(SmallState());
+    root.LibFault("AdvancedOptionImpl::FindOption", "options broken");
+    root.LibFault("SmartCardInfoImpl::GetToken", "reader broken");
+    root.LibFault("SysinfoUtil::SysinfoGet", "node broken");
+    root.LibFault("TesselCtl_Exec", "exec broken");
+    root.LibFault("NotaUserLib_Init", "no notad");
 
     EXPECT_EQ(ThrownText([] { delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"); }),
               "options broken");
@@ -97,15 +94,15 @@ TEST(Platform, FaultsMakeTheNamedOperationFail) {
 }
 
 TEST(Platform, AdvancedOptionsReadAndWriteTheState) {
-    TempRoot root;
-    root.Store().Write(SmallState());
+    TempRoot root("");
+    HostSim::StateStore(root.Path()).Write(SmallState());
     using TesselCtl::Adv::AdvancedOptionImpl;
     std::unique_ptr<Keelson::Adv::AdvancedOption> option(AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"));
     auto* integer = dynamic_cast<Keelson::Adv::AdvancedIntegerOption*>(option.get());
     ASSERT_NE(integer, nullptr);
     EXPECT_EQ(integer->GetValue(), 600);
     integer->SetValue(1200);
-    EXPECT_EQ(root.Store().Read()["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 1200);
+    EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 1200);
     EXPECT_THROW(integer->SetValue(-5), KeelsonException);
     EXPECT_EQ(integer->GetValue(), 1200);
 
@@ -113,8 +110,8 @@ TEST(Platform, AdvancedOptionsReadAndWriteTheState) {
 }
 
 TEST(Platform, ExecRunsTheLineAndGivesItsStatus) {
-    TempRoot root;
-    root.Store().Write(SmallState());
+    TempRoot root("");
+    HostSim::StateStore(root.Path()).Write(SmallState());
     EXPECT_EQ(TesselCtl::Util::TesselCtl_Exec("exit 7", false, true, false), 7);
     const std::string marker = root.File("/tmp-marker");
     EXPECT_EQ(TesselCtl::Util::TesselCtl_Exec("echo hi > " + marker, false, true, false), 0);
@@ -123,7 +120,7 @@ TEST(Platform, ExecRunsTheLineAndGivesItsStatus) {
 }
 
 TEST(Platform, SyslogRecordsHonourFacilityMaskAndErrno) {
-    TempRoot root;
+    TempRoot root("");
     openlog("LANYX", LOG_PID, LOG_USER);
     setlogmask(0x7F);
     syslog(LOG_INFO, "Starting %s", "LANYX");

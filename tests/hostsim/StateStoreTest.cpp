@@ -7,10 +7,11 @@
 
 #include <gtest/gtest.h>
 
-#include "TempRoot.hpp"
+#include "HostRoot.hpp"
+#include "store/StateStore.hpp"
 
 using HostSim::StateError;
-using HostSimTest::TempRoot;
+using TempRoot = LanyxTest::HostRoot;
 
 namespace {
 
@@ -19,7 +20,7 @@ const char* kStatePath = "/var/lib/hostsim/state.json";
 // The StateError text of a read, or "" when the read succeeded.
 std::string ReadError(const TempRoot& root) {
     try {
-        root.Store().Read();
+        HostSim::StateStore(root.Path()).Read();
     } catch (const StateError& e) {
         return e.what();
     }
@@ -31,36 +32,36 @@ std::string ReadError(const TempRoot& root) {
 TEST(StateStore, RootPathJoinsUnderTheRootAndUpdatesKeepTheRest) {
     EXPECT_EQ(HostSim::RootPath("/tmp/r/", "/var/log/x"), "/tmp/r/var/log/x");
     EXPECT_EQ(HostSim::RootPath("", "/var/log/x"), "/var/log/x");
-    TempRoot root;
-    root.Store().Write({{"host", {{"hostname", "a"}}}});
-    root.Store().Update([](nlohmann::json& s) { s["host"]["domain"] = "b"; });
-    EXPECT_EQ(root.Store().Read()["host"], (nlohmann::json{{"hostname", "a"}, {"domain", "b"}}));
+    TempRoot root("");
+    HostSim::StateStore(root.Path()).Write({{"host", {{"hostname", "a"}}}});
+    HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["host"]["domain"] = "b"; });
+    EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["host"], (nlohmann::json{{"hostname", "a"}, {"domain", "b"}}));
 }
 
 TEST(StateStore, DamagedStatesAreNamedAndLeftAsTheyWere) {
-    TempRoot root;
+    TempRoot root("");
     EXPECT_NE(ReadError(root).find("missing"), std::string::npos);
     EXPECT_NE(ReadError(root).find(root.File(kStatePath)), std::string::npos);
 
     for (const std::string& damaged : {std::string(""), std::string("{\"host\": {\"hostname\": \"a"),
                                       std::string("[1, 2]"), std::string("\x01\x02garbage")}) {
         SCOPED_TRACE(damaged);
-        root.WriteRaw(kStatePath, damaged);
+        root.Write(kStatePath, damaged);
         std::string error = ReadError(root);
         EXPECT_NE(error.find(root.File(kStatePath)), std::string::npos) << error;
-        EXPECT_THROW(root.Store().Update([](nlohmann::json& s) { s["x"] = 1; }), StateError);
+        EXPECT_THROW(HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["x"] = 1; }), StateError);
         EXPECT_EQ(root.Read(kStatePath), damaged);
     }
-    root.WriteRaw(kStatePath, "");
+    root.Write(kStatePath, "");
     EXPECT_NE(ReadError(root).find("empty"), std::string::npos);
     EXPECT_THROW(HostSim::StateStore(root.Path() + "/nowhere").Write(nlohmann::json::object()), StateError);
 }
 
 TEST(StateStore, AChangeThatThrowsWritesNothing) {
-    TempRoot root;
-    root.Store().Write({{"n", 1}});
+    TempRoot root("");
+    HostSim::StateStore(root.Path()).Write({{"n", 1}});
     const std::string before = root.Read(kStatePath);
-    EXPECT_THROW(root.Store().Update([](nlohmann::json& s) {
+    EXPECT_THROW(HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) {
         s["n"] = 2;
         throw std::runtime_error("no");
     }),
@@ -72,9 +73,9 @@ TEST(StateStore, AChangeThatThrowsWritesNothing) {
 }
 
 TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
-    TempRoot root;
+    TempRoot root("");
     // A large padding makes a torn write visible as a parse error.
-    root.Store().Write({{"count", 0}, {"padding", std::string(50000, 'x')}});
+    HostSim::StateStore(root.Path()).Write({{"count", 0}, {"padding", std::string(50000, 'x')}});
     constexpr int kProcesses = 4;
     constexpr int kIncrements = 25;
     std::vector<pid_t> children;
@@ -84,7 +85,7 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
         if (pid == 0) {
             try {
                 for (int i = 0; i < kIncrements; ++i) {
-                    root.Store().Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
+                    HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
                 }
             } catch (...) {
                 ::_exit(1);
@@ -99,7 +100,7 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
     std::thread reader([&] {
         while (!done) {
             try {
-                auto s = root.Store().Read();
+                auto s = HostSim::StateStore(root.Path()).Read();
                 if (s["padding"].get<std::string>().size() != 50000) ++badReads;
             } catch (...) {
                 ++badReads;
@@ -112,7 +113,7 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
     for (int t = 0; t < 2; ++t) {
         writers.emplace_back([&] {
             for (int i = 0; i < kIncrements; ++i) {
-                root.Store().Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
+                HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
             }
         });
     }
@@ -126,5 +127,5 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
     reader.join();
     EXPECT_EQ(badReads, 0);
     EXPECT_GT(reads, 0);
-    EXPECT_EQ(root.Store().Read()["count"], (kProcesses + 2) * kIncrements);
+    EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["count"], (kProcesses + 2) * kIncrements);
 }

@@ -11,7 +11,8 @@
 #include <fstream>
 #include <tuple>
 
-#include "TestSupport.hpp"
+#include "HostRoot.hpp"
+#include "store/StateStore.hpp"
 
 namespace {
 
@@ -61,7 +62,7 @@ protected:
               std::tuple{"expired", "expired-Pass1", true, true}, std::tuple{"open", "", false, true}})
             accounts.push_back({{"name", name}, {"hash", *password ? Hash(password) : ""},
                                 {"expired", expired}, {"permitted", permitted}});
-        root_.Store().Write({{"schema", 1}, {"accounts", accounts}});
+        HostSim::StateStore(root_.Path()).Write({{"schema", 1}, {"accounts", accounts}});
         std::filesystem::create_directories(root_.Path() + "/etc/pam.d");
         WriteService("root=" + root_.Path());
     }
@@ -95,13 +96,13 @@ protected:
         return result;
     }
     json Account(const std::string& name) {
-        const json state = root_.Store().Read();
+        const json state = root_.State();
         for (const auto& account : state["accounts"])
             if (account["name"] == name) return account;
         return nullptr;
     }
 
-    HostSimTest::TempRoot root_;
+    LanyxTest::HostRoot root_{""};
 };
 
 TEST_F(PamTest, LoginResultsAreThoseTheConsoleTellsApart) {
@@ -118,7 +119,7 @@ TEST_F(PamTest, ServiceFileWithoutRootOrWithADamagedStateFails) {
     Conversation conversation;
     EXPECT_NE(Login("root", {"lanyx-Root1"}, conversation), PAM_SUCCESS);
     WriteService("root=" + root_.Path());
-    std::ofstream(root_.Store().StatePath()) << "[broken";
+    std::ofstream(HostSim::StateStore(root_.Path()).StatePath()) << "[broken";
     EXPECT_EQ(Login("root", {"lanyx-Root1"}, conversation), PAM_AUTHINFO_UNAVAIL);
 }
 

@@ -6,13 +6,19 @@
 #include <functional>
 #include <tuple>
 
-#include "TestSupport.hpp"
+#include "HostRoot.hpp"
+#include "store/StateStore.hpp"
 
 namespace {
 
-using HostSimTest::ChildResult;
 using nlohmann::json;
 using Args = std::vector<std::string>;
+
+struct Result {
+    int status;    // -1 when it did not exit by itself
+    bool timedOut; // killed at the deadline
+    std::string out;
+};
 
 json BaseState() {
     return json::parse(R"({"schema": 1, "lockdown": {"enabled": false, "possible": true},
@@ -34,18 +40,21 @@ json BaseState() {
 
 class ToolsTest : public ::testing::Test {
 protected:
-    void SetUp() override { root_.Store().Write(BaseState()); }
+    void SetUp() override { HostSim::StateStore(root_.Path()).Write(BaseState()); }
 
-    ChildResult Tool(const Args& args, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+    // As the console starts tools: a child with one environment variable.
+    Result Tool(const Args& args, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
         Args argv = {HOSTSIM_TOOL, "--root", root_.Path()};
         argv.insert(argv.end(), args.begin(), args.end());
-        return HostSimTest::Run(argv, limit);
+        const std::vector<std::string> env{"PYTHONHOME=/"};
+        const LanyxTest::ProcessResult result = LanyxTest::RunProcess(argv, limit, &env);
+        return {result.timedOut ? -1 : result.exit.Code(), result.timedOut, result.output};
     }
     int Status(const Args& args) { return Tool(args).status; }
-    json State() { return root_.Store().Read(); }
-    void Change(const std::function<void(json&)>& change) { root_.Store().Update(change); }
+    json State() { return root_.State(); }
+    void Change(const std::function<void(json&)>& change) { root_.Edit(change); }
 
-    HostSimTest::TempRoot root_;
+    LanyxTest::HostRoot root_{""};
 };
 
 TEST_F(ToolsTest, WrongArgumentsOrADamagedStateChangeNothing) {
@@ -54,16 +63,16 @@ TEST_F(ToolsTest, WrongArgumentsOrADamagedStateChangeNothing) {
                               Args{"ostraq", "network", "xbar", "standard", "add", "-v", "a", "-v", "b"},
                               Args{"ostraq", "system", "settings", "advanced", "set", "-i", "5"},
                               Args{"no-such-tool"}}) {
-        const ChildResult result = Tool(wrong);
+        const Result result = Tool(wrong);
         EXPECT_EQ(result.status, 2) << wrong[0] << ' ' << wrong.back();
         EXPECT_FALSE(result.out.empty()) << wrong[0] << ' ' << wrong.back();
     }
     EXPECT_EQ(State(), before);
 
-    std::ofstream(root_.Store().StatePath()) << "{ not json";
-    const ChildResult damaged = Tool({"SSH", "status"});
+    std::ofstream(HostSim::StateStore(root_.Path()).StatePath()) << "{ not json";
+    const Result damaged = Tool({"SSH", "status"});
     EXPECT_EQ(damaged.status, 1);
-    EXPECT_NE(damaged.out.find(root_.Store().StatePath()), std::string::npos) << damaged.out;
+    EXPECT_NE(damaged.out.find(HostSim::StateStore(root_.Path()).StatePath()), std::string::npos) << damaged.out;
 }
 
 TEST_F(ToolsTest, HelmqRefusesUnknownUsersWith255AndAnswersQueriesOnItsOutput) {
@@ -90,7 +99,7 @@ TEST_F(ToolsTest, HelmqRefusesUnknownUsersWith255AndAnswersQueriesOnItsOutput) {
 }
 
 TEST_F(ToolsTest, OstraqReportsTheAgentVersionOnOneLine) {
-    const ChildResult result =
+    const Result result =
         Tool({"ostraq", "--formatter=keyvalue", "software", "plank", "get", "-n", "gridmesh-opsagent"});
     ASSERT_EQ(result.status, 0) << result.out;
     EXPECT_NE(result.out.find("\nVersion=3.1.0\n"), std::string::npos) << result.out;
@@ -139,7 +148,7 @@ TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
                           Case{{{"output", "abc"}, {"exit", 3}}, 3, "abc\n", false},
                           Case{{{"output", "waiting"}, {"hang", true}}, -1, "waiting\n", true}}) {
         Change([&](json& s) { s["faults"]["tool"]["helmq"] = c.fault; });
-        const ChildResult result = Tool(query, std::chrono::milliseconds(c.timedOut ? 3000 : 20000));
+        const Result result = Tool(query, std::chrono::milliseconds(c.timedOut ? 3000 : 20000));
         EXPECT_EQ(result.status, c.status) << c.fault;
         EXPECT_EQ(result.out, c.out) << c.fault;
         EXPECT_EQ(result.timedOut, c.timedOut) << c.fault;

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "keelson/Network.hpp"
-#include "SimulatedHost.hpp"
+#include "HostRoot.hpp"
 
 namespace Lanyx {
 namespace {
@@ -37,7 +37,7 @@ TEST(NetworkValues, DhcpAndNoneModesExcludeEachOther)
     EXPECT_FALSE(config.GetIpv4UseNone());
 }
 
-class NetworkLibrary : public Testing::SimulatedHost {};
+class NetworkLibrary : public LanyxTest::HostTest {};
 
 TEST_F(NetworkLibrary, InterfaceCachesUntilStaleAndFaultsByOperationName)
 {
@@ -45,19 +45,19 @@ TEST_F(NetworkLibrary, InterfaceCachesUntilStaleAndFaultsByOperationName)
     TN::TesselNicImpl nic("tnic0");
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.57");
     EXPECT_TRUE(nic.GetConfiguredIpConfig().GetUseDhcp());
-    Edit([](json& state) { state["network"]["interfaces"][0]["ipv4"]["address"] = "192.168.10.99"; });
+    Host().Edit([](json& state) { state["network"]["interfaces"][0]["ipv4"]["address"] = "192.168.10.99"; });
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.57") << "cached";
     nic.SetStale(true);
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.99");
 
-    Fault("TesselNicImpl::Disable", "link stuck");
+    Host().LibFault("TesselNicImpl::Disable", "link stuck");
     try {
         nic.Disable();
         ADD_FAILURE() << "no exception";
     } catch (const Keelson::Lib::KeelsonException& e) {
         EXPECT_STREQ(e.what(), "link stuck");
     }
-    EXPECT_EQ(State()["network"]["interfaces"][0]["enabled"], true) << "nothing written";
+    EXPECT_EQ(Host().State()["network"]["interfaces"][0]["enabled"], true) << "nothing written";
 }
 
 } // namespace

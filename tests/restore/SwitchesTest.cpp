@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "restore/switches/Switches.hpp"
-#include "SimulatedHost.hpp"
+#include "HostRoot.hpp"
 
 namespace Lanyx {
 namespace {
@@ -9,7 +9,7 @@ namespace {
 using nlohmann::json;
 using Strings = std::vector<std::string>;
 
-class Switches : public Testing::SimulatedHost {
+class Switches : public LanyxTest::HostTest {
 protected:
     std::unique_ptr<Keelson::Network::NetworkInterface> Management()
     {
@@ -25,13 +25,13 @@ protected:
     }
     json ManagementTeaming() const
     {
-        json state = State();
+        json state = Host().State();
         return Group(state, "Management Network")["teaming"];
     }
-    Strings SwitchUplinks(size_t index = 0) const { return State()["switches"][index]["uplinks"].get<Strings>(); }
+    Strings SwitchUplinks(size_t index = 0) const { return Host().State()["switches"][index]["uplinks"].get<Strings>(); }
     void Connect(const json& connection) const
     {
-        Edit([&](json& state) { state["network"]["interfaces"][0]["connection"] = connection; });
+        Host().Edit([&](json& state) { state["network"]["interfaces"][0]["connection"] = connection; });
     }
 };
 
@@ -42,17 +42,17 @@ TEST_F(Switches, ManagementInterfaceAndFabricInUse)
     EXPECT_FALSE(IsFabricInUse());
     Create("fabric");
     EXPECT_TRUE(IsFabricInUse());
-    EXPECT_TRUE(Errors().empty());
+    EXPECT_TRUE(Host().Messages("user.err").empty());
 
-    Edit([](json& state) { state["network"]["managementInterface"] = ""; });
+    Host().Edit([](json& state) { state["network"]["managementInterface"] = ""; });
     EXPECT_FALSE(FindManagementInterface());
     EXPECT_FALSE(IsFabricInUse());
-    Edit([](json& state) { state["network"]["managementInterface"] = "tnic0"; });
-    Fault("TesselNicImpl::GetConnectionPoint", "point lost");
+    Host().Edit([](json& state) { state["network"]["managementInterface"] = "tnic0"; });
+    Host().LibFault("TesselNicImpl::GetConnectionPoint", "point lost");
     EXPECT_FALSE(IsFabricInUse());
-    EXPECT_EQ(Errors(), (Strings{"Could not locate the management interface",
+    EXPECT_EQ(Host().Messages("user.err"), (Strings{"Could not locate the management interface",
                                  "Could not determine if a FABRIC was in use: point lost"}));
-    Fault("NetworkInfoImpl::UpdateManagementInterface", "no stack");
+    Host().LibFault("NetworkInfoImpl::UpdateManagementInterface", "no stack");
     EXPECT_THROW(FindManagementInterface(), Keelson::Lib::KeelsonException) << "exceptions pass to the caller";
 }
 
@@ -72,7 +72,7 @@ TEST_F(Switches, SwitchNameOfEachConnecteeType)
         Connect({{"type", type}});
         EXPECT_FALSE(GetSwitchName(nic.get(), name)) << type;
     }
-    EXPECT_EQ(Errors(), (Strings{"Getting switch name failed: Unsupported connectee type",
+    EXPECT_EQ(Host().Messages("user.err"), (Strings{"Getting switch name failed: Unsupported connectee type",
                                  "Getting switch name failed: Opaque network connectee type not supported"}));
     EXPECT_EQ(name, "switch0");
 }
@@ -86,13 +86,13 @@ TEST_F(Switches, VlanOfTheManagementPortGroup)
     EXPECT_EQ(vlan, 0);
 
     ASSERT_TRUE(SetVlanId(nic.get(), 42));
-    json state = State();
+    json state = Host().State();
     EXPECT_EQ(Group(state, "Management Network")["vlan"], 42);
     EXPECT_EQ(Group(state, "VM Network")["vlan"], 0);
 
-    Fault("PortGroup::SetVlanId", "port group busy");
+    Host().LibFault("PortGroup::SetVlanId", "port group busy");
     EXPECT_FALSE(SetVlanId(nic.get(), 7));
-    EXPECT_EQ(Errors(), Strings{"Setting VlanID failed: port group busy"});
+    EXPECT_EQ(Host().Messages("user.err"), Strings{"Setting VlanID failed: port group busy"});
 }
 
 TEST_F(Switches, FabricGivesItsNameAndRefusesTheRest)
@@ -110,7 +110,7 @@ TEST_F(Switches, FabricGivesItsNameAndRefusesTheRest)
     EXPECT_FALSE(GetUplinks(nic.get(), uplinks));
     EXPECT_FALSE(RemoveUplink(nic.get(), "hwport2"));
     EXPECT_FALSE(AddUplink(nic.get(), "hwport2"));
-    EXPECT_EQ(Errors(), (Strings{"Getting VlanID failed: Unsupported xbar type",
+    EXPECT_EQ(Host().Messages("user.err"), (Strings{"Getting VlanID failed: Unsupported xbar type",
                                  "Setting VlanID failed: Unsupported xbar type",
                                  "Getting max number of active uplinks failed: Unsupported xbar type",
                                  "Getting uplinks failed: Unsupported xbar type",
@@ -118,7 +118,7 @@ TEST_F(Switches, FabricGivesItsNameAndRefusesTheRest)
                                  "Adding uplink hwport2 failed: Unsupported xbar type"}));
     EXPECT_EQ(vlan, 5);
     EXPECT_EQ(uplinks, Strings{"kept"});
-    const json state = State();
+    const json state = Host().State();
     EXPECT_EQ(state["fabrics"][0]["ports"][0]["vlan"], 10) << "the fabric port is left alone";
     EXPECT_FALSE(state["fabrics"][0]["uplinks"].contains("hwport2")) << "the detach is not rolled back";
 }
@@ -146,7 +146,7 @@ TEST_F(Switches, UplinkChangesFollowTheTeamingPolicy)
                   {"hwport0"}, 1},
          }) {
         Create();
-        Edit([&](json& state) { c.teaming(Group(state, "Management Network")["teaming"]); });
+        Host().Edit([&](json& state) { c.teaming(Group(state, "Management Network")["teaming"]); });
         auto nic = Management();
         if (c.add) {
             Strings order;
@@ -161,20 +161,20 @@ TEST_F(Switches, UplinkChangesFollowTheTeamingPolicy)
         EXPECT_EQ(teaming["uplinkOrder"].get<Strings>(), c.order) << c.what;
         EXPECT_EQ(teaming["maxActiveUplinks"], c.count) << c.what;
         EXPECT_EQ(teaming["linkCriteria"]["checkSpeed"], "minimum") << c.what << ": other fields travel unchanged";
-        EXPECT_TRUE(Errors().empty()) << c.what;
+        EXPECT_TRUE(Host().Messages("user.err").empty()) << c.what;
     }
 
     Create();
-    Edit([](json& state) { Group(state, "Management Network")["teaming"]["flags"] = 0; });
-    Fault("PortGroup::SetTeamingPolicy", "written");
+    Host().Edit([](json& state) { Group(state, "Management Network")["teaming"]["flags"] = 0; });
+    Host().LibFault("PortGroup::SetTeamingPolicy", "written");
     EXPECT_FALSE(RemoveUplink(Management().get(), "hwport1")) << "the write-back is attempted";
-    EXPECT_EQ(Errors(), Strings{"VS: remove uplink from teaming policy failed: written"});
+    EXPECT_EQ(Host().Messages("user.err"), Strings{"VS: remove uplink from teaming policy failed: written"});
 }
 
 TEST_F(Switches, AddUplinkDetachesFromOneSwitchOfEachKind)
 {
     Create();
-    Edit([](json& state) {
+    Host().Edit([](json& state) {
         state["switches"].push_back({{"name", "switch1"}, {"uplinks", {"hwport2"}}, {"portGroups", json::array()},
                                      {"teaming", {{"flags", 16}, {"uplinkOrder", {"hwport2"}}}}});
         state["fabrics"].push_back({{"name", "fab-b"}, {"id", "fb"}, {"uplinks", {{"hwport3", {{"portId", "7"}}}}}});
@@ -182,32 +182,32 @@ TEST_F(Switches, AddUplinkDetachesFromOneSwitchOfEachKind)
     auto nic = Management();
     ASSERT_TRUE(AddUplink(nic.get(), "hwport2"));
     ASSERT_TRUE(AddUplink(nic.get(), "hwport3"));
-    const json state = State();
+    const json state = Host().State();
     EXPECT_TRUE(state["switches"][1]["uplinks"].empty());
     EXPECT_TRUE(state["fabrics"][0]["uplinks"].empty());
     EXPECT_EQ(SwitchUplinks(), (Strings{"hwport0", "hwport1", "hwport2", "hwport3"}));
     EXPECT_EQ(ManagementTeaming()["maxActiveUplinks"], 3);
-    EXPECT_TRUE(Errors().empty()) << "failed detach attempts are no failure";
+    EXPECT_TRUE(Host().Messages("user.err").empty()) << "failed detach attempts are no failure";
 }
 
 TEST_F(Switches, AddUplinkFailuresNameTheirStep)
 {
     Create();
     auto nic = Management();
-    Fault("PortGroup::SetTeamingPolicy", "policy locked");
+    Host().LibFault("PortGroup::SetTeamingPolicy", "policy locked");
     EXPECT_FALSE(AddUplink(nic.get(), "hwport2"));
     EXPECT_EQ(SwitchUplinks(), (Strings{"hwport0", "hwport1", "hwport2"})) << "no roll-back of the switch step";
 
-    Fault("VirtualSwitch::AddUplink", "switch full");
+    Host().LibFault("VirtualSwitch::AddUplink", "switch full");
     EXPECT_FALSE(AddUplink(nic.get(), "hwport3"));
-    EXPECT_EQ(Errors(), (Strings{"VS: add uplink to teaming policy failed: policy locked",
+    EXPECT_EQ(Host().Messages("user.err"), (Strings{"VS: add uplink to teaming policy failed: policy locked",
                                  "Adding uplink hwport3 failed: switch full"}));
 }
 
 TEST_F(Switches, StandardSwitchesInLibraryOrder)
 {
     Create("fabric");
-    Edit([](json& state) {
+    Host().Edit([](json& state) {
         state["switches"].push_back({{"name", "xbar0"}, {"uplinks", json::array()}, {"portGroups", {"b", "a"}},
                                      {"numPorts", 128}, {"usedPorts", 0}, {"configuredPorts", 64}});
     });
@@ -217,9 +217,9 @@ TEST_F(Switches, StandardSwitchesInLibraryOrder)
     EXPECT_EQ(switches[0].uplinks, (Strings{"hwport0", "hwport1"}));
     EXPECT_EQ(switches[1].portGroups, (Strings{"b", "a"})) << "in the switch's order";
 
-    Fault("VirtualSwitchInfoImpl::GetVirtualSwitches", "no switches");
+    Host().LibFault("VirtualSwitchInfoImpl::GetVirtualSwitches", "no switches");
     EXPECT_FALSE(GatherStandardSwitches(switches));
-    EXPECT_EQ(Errors(), Strings{"Gathering standard virtual switch list failed: no switches"});
+    EXPECT_EQ(Host().Messages("user.err"), Strings{"Gathering standard virtual switch list failed: no switches"});
 }
 
 TEST_F(Switches, PhysicalNicOrder)
@@ -231,7 +231,7 @@ TEST_F(Switches, PhysicalNicOrder)
     EXPECT_TRUE(PhysicalNicLess("hwport", "hwport0")) << "the shorter first on equal prefixes";
 
     Create();
-    Edit([](json& state) {
+    Host().Edit([](json& state) {
         for (const char* name : {"hwport10", "nic-b", "hwport9", "hwport11"}) {
             json nic = state["pnics"][0];
             nic["name"] = name;
@@ -242,16 +242,16 @@ TEST_F(Switches, PhysicalNicOrder)
     ASSERT_TRUE(GatherPhysicalNics(names));
     EXPECT_EQ(names, (Strings{"hwport0", "hwport1", "hwport2", "hwport3", "hwport9", "hwport10", "hwport11", "nic-b"}));
 
-    Fault("NetworkInfoImpl::GetPnics", "bus error");
+    Host().LibFault("NetworkInfoImpl::GetPnics", "bus error");
     EXPECT_FALSE(GatherPhysicalNics(names));
-    EXPECT_EQ(Errors(), Strings{"Getting physical nics failed: bus error"});
+    EXPECT_EQ(Host().Messages("user.err"), Strings{"Getting physical nics failed: bus error"});
     EXPECT_EQ(names.size(), 8u) << "a failed gathering leaves the list";
 }
 
 TEST_F(Switches, UplinkUsersFabricWinsOverStandardSwitch)
 {
     Create("fabric");
-    Edit([](json& state) { state["switches"][0]["uplinks"].push_back("hwport2"); });
+    Host().Edit([](json& state) { state["switches"][0]["uplinks"].push_back("hwport2"); });
     UplinkUsers users{{"hwport4", "stale"}, {"other", "kept"}};
     ASSERT_TRUE(GatherUplinkUsers({"hwport1", "hwport2", "hwport3", "hwport4"}, users));
     EXPECT_EQ(users, (UplinkUsers{{"hwport1", "switch0"}, {"hwport2", "fab-prod"}, {"hwport3", "fab-prod"},
@@ -261,14 +261,14 @@ TEST_F(Switches, UplinkUsersFabricWinsOverStandardSwitch)
 TEST_F(Switches, UplinkUsersStopAtTheFirstFailure)
 {
     Create("fabric");
-    Fault("VirtualSwitchInfoImpl::GetFabricSwitches", "fabric agent down");
+    Host().LibFault("VirtualSwitchInfoImpl::GetFabricSwitches", "fabric agent down");
     UplinkUsers users;
     EXPECT_FALSE(GatherUplinkUsers({"hwport0", "hwport2"}, users));
     EXPECT_EQ(users, (UplinkUsers{{"hwport0", "switch0"}, {"hwport2", ""}})) << "the first pass stays";
 
-    Fault("VirtualSwitch::GetUplinks", "switch gone");
+    Host().LibFault("VirtualSwitch::GetUplinks", "switch gone");
     EXPECT_FALSE(GatherUplinkUsers({"hwport0"}, users));
-    EXPECT_EQ(Errors(), (Strings{"Scanning fabricswitches failed: fabric agent down",
+    EXPECT_EQ(Host().Messages("user.err"), (Strings{"Scanning fabricswitches failed: fabric agent down",
                                  "Scanning virtual switches failed: switch gone"}));
 }
 
@@ -284,14 +284,14 @@ TEST_F(Switches, AdapterInfoOfEachKindOfNicAndItsLabelFailure)
     EXPECT_EQ(first.usedBy, "switch0");
     EXPECT_EQ(GatherAdapterInfo("hwport2", users).status, "Disconnected");
     EXPECT_EQ(GatherAdapterInfo("hwport3", users).hardwareLabel, "N/A") << "no device";
-    Edit([](json& state) { state["pnics"][2]["pciLabel"] = "  \t "; });
+    Host().Edit([](json& state) { state["pnics"][2]["pciLabel"] = "  \t "; });
     EXPECT_EQ(GatherAdapterInfo("hwport2", users).hardwareLabel, "N/A") << "an empty label";
 
-    Fault("PciDevice::GetName", "vpd unreadable");
+    Host().LibFault("PciDevice::GetName", "vpd unreadable");
     EXPECT_EQ(GatherAdapterInfo("hwport1", users).hardwareLabel, "N/A");
-    Fault("PnicImpl::GetPciDevice", "no pci");
+    Host().LibFault("PnicImpl::GetPciDevice", "no pci");
     EXPECT_THROW(GatherAdapterInfo("hwport1", users), Keelson::Lib::KeelsonException);
-    EXPECT_TRUE(Errors().empty());
+    EXPECT_TRUE(Host().Messages("user.err").empty());
 }
 
 TEST(AdapterText, RowFitsItsColumns)

@@ -1,13 +1,11 @@
 // The widget tests' world: the shared off-screen screen, a host root of their own for the
 // system log, and a catalogue that is a table the tests fill.
 #pragma once
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <map>
-#include <sstream>
+#include <string>
 
 #include "CursesScreen.hpp"
+#include "HostRoot.hpp"
 #include "core/StringFactory.hpp"
 
 namespace Lanyx::Testing {
@@ -26,29 +24,13 @@ inline TableFactory& Catalogue() {
     return factory;
 }
 
-class TextRoot : public ::testing::Environment {
-public:
-    void SetUp() override {
-        char pattern[] = "/tmp/lanyx-text-root-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        root = pattern;
-        std::filesystem::create_directories(root + "/var/log");
-        setenv("LANYX_HOST_ROOT", root.c_str(), 1);
-        SetStringFactorySource([](const std::string&) -> StringFactory* { return &Catalogue(); });
-    }
-    void TearDown() override { std::filesystem::remove_all(root); }
-    std::string root;
-};
-
-inline TextRoot* const textRoot =
-    static_cast<TextRoot*>(::testing::AddGlobalTestEnvironment(new TextRoot));
+inline const bool catalogueInstalled = [] {
+    SetStringFactorySource([](const std::string&) -> StringFactory* { return &Catalogue(); });
+    return true;
+}();
+inline LanyxTest::ProgramHost* const textRoot = LanyxTest::AddProgramHost();
 inline CursesScreen* const textScreen = AddCursesScreen();
 
-inline std::string SystemLog() {
-    std::ifstream file(textRoot->root + "/var/log/syslog.log");
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
+inline std::string SystemLog() { return textRoot->Host().Read("/var/log/syslog.log"); }
 
 } // namespace Lanyx::Testing

@@ -2,9 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <tuple>
 
-#include "WelcomeTestRoot.hpp"
+#include "HostRoot.hpp"
 #include "keelson/Lib.hpp"
 #include "text/Markup.hpp"
 #include "welcome/HostFacts.hpp"
@@ -13,9 +14,12 @@ namespace Lanyx {
 namespace {
 
 using nlohmann::json;
-using WelcomeTest::Matching;
-using WelcomeTest::ResetState;
-using WelcomeTest::syslogPath;
+using LanyxTest::Record;
+
+auto* const program = LanyxTest::AddProgramHost("default");
+
+void ResetState(const std::function<void(json&)>& change = {}) { program->Reset(change); }
+std::vector<std::string> Logged(const std::string& text) { return program->Host().Matching(Record::Syslog, text); }
 
 constexpr uint64_t MiB = uint64_t{1} << 20;
 constexpr uint64_t GiB = MiB << 10;
@@ -82,46 +86,46 @@ TEST_F(HostFacts, BiosFieldsFallBackAndLog) {
     // No adapter of that name: no log; an unreadable module: logged with the library's text.
     ResetState([](json& state) { state["hardware"]["storageAdapters"].erase(0); });
     EXPECT_EQ(GetBiosField(1), "N/A");
-    EXPECT_TRUE(Matching(syslogPath, "version string failed").empty());
+    EXPECT_TRUE(Logged("version string failed").empty());
     ResetState();
-    WelcomeTest::SetLibFault("SystemInfo::GetModule", "module table unreadable");
+    program->Host().LibFault("SystemInfo::GetModule", "module table unreadable");
     EXPECT_EQ(GetBiosField(1), "N/A");
-    EXPECT_EQ(Matching(syslogPath, "Get storbus0 version string failed, err=module table unreadable").size(), 1u);
+    EXPECT_EQ(Logged("Get storbus0 version string failed, err=module table unreadable").size(), 1u);
 
     EXPECT_EQ(GetBiosField(5), "N/A");
-    const auto lines = Matching(syslogPath, "Invalid version id: 5 requested");
+    const auto lines = Logged("Invalid version id: 5 requested");
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_NE(lines[0].find(".err "), std::string::npos) << lines[0];
 }
 
 // Where no fallback is given, the library's failure reaches the caller of Format.
 TEST_F(HostFacts, LibraryFailuresPassWhereNoFallbackIsGiven) {
-    WelcomeTest::SetLibFault("HardwareInfoImpl::GetSerialNumber", "no serial");
+    program->Host().LibFault("HardwareInfoImpl::GetSerialNumber", "no serial");
     EXPECT_THROW(Tag("serial-number"), Keelson::Lib::KeelsonException);
-    WelcomeTest::SetLibFault("SysinfoUtil::SysinfoGet", "node gone");
+    program->Host().LibFault("SysinfoUtil::SysinfoGet", "node gone");
     EXPECT_THROW(Tag("ostraversion"), Keelson::Lib::KeelsonException);
-    WelcomeTest::SetLibFault("HardwareInfo::GetBiosData", "no tables");
+    program->Host().LibFault("HardwareInfo::GetBiosData", "no tables");
     EXPECT_THROW(GetBiosField(3), Keelson::Lib::KeelsonException);
-    WelcomeTest::SetLibFault("HardwareInfoImpl::GetServiceTag", "no tag");
+    program->Host().LibFault("HardwareInfoImpl::GetServiceTag", "no tag");
     EXPECT_EQ(GetServiceTag(), "N/A");
 }
 
 // The thumbprints themselves are compared with the real tool end to end.
 TEST_F(HostFacts, UnreadableCertificateGivesEmptyTextAndOneLogLinePerLayout) {
-    const std::string certificate = WelcomeTest::Root() + "/etc/zephora/ssl/node.crt";
+    const std::string certificate = program->Host().Path() + "/etc/zephora/ssl/node.crt";
     const std::string moved = certificate + ".away";
     std::filesystem::rename(certificate, moved);
     EXPECT_EQ(Tag("ssl-thumbprint-sha-256"), "");
     EXPECT_EQ(Tag("ssl-thumbprint-sha-256"), "");
     std::filesystem::rename(moved, certificate);
-    const auto lines = Matching(syslogPath, "Failed to generate the host's SHA256 SSL thumbprint");
+    const auto lines = Logged("Failed to generate the host's SHA256 SSL thumbprint");
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_NE(lines[0].find(".err "), std::string::npos) << lines[0];
 }
 
 TEST_F(HostFacts, MissingSshKeyIsLoggedWithTheToolsError) {
     EXPECT_EQ(GetSshFingerprint("/etc/ssh/ssh_host_none_key"), "");
-    const auto lines = Matching(syslogPath, "SSH Key Fingerprint generation failed: ");
+    const auto lines = Logged("SSH Key Fingerprint generation failed: ");
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_NE(lines[0].find("ssh_host_none_key"), std::string::npos)
         << "the tool's own message: " << lines[0];

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CursesScreen.hpp"
-#include "WelcomeTestRoot.hpp"
+#include "HostRoot.hpp"
 #include "core/Globals.hpp"
 #include "core/InputLoop.hpp"
 #include "core/Keys.hpp"
@@ -16,10 +16,13 @@ namespace Lanyx {
 namespace {
 
 using nlohmann::json;
-using WelcomeTest::auditPath;
-using WelcomeTest::Matching;
-using WelcomeTest::ResetState;
-using WelcomeTest::syslogPath;
+using LanyxTest::Record;
+
+auto* const program = LanyxTest::AddProgramHost("default");
+
+void ResetState(const std::function<void(json&)>& change = {}) { program->Reset(change); }
+void ChangeState(const std::function<void(json&)>& change) { program->Host().Edit(change); }
+size_t Logged(Record record, const std::string& text) { return program->Host().Matching(record, text).size(); }
 
 // Tall enough for the warning text, which needs 29 lines.
 const auto* const screen = Testing::AddCursesScreen(31, 100, "xterm-256color");
@@ -87,46 +90,18 @@ TEST_F(WelcomeWindowTest, WarningsAndTheirOrder) {
     EXPECT_EQ(window.GetHardwareText()->GetText(), "Tessellate(R) Core Gold 6430 @ 2.10GHz\n127.7 GiB Memory")
         << "a single package shows no count";
     EXPECT_EQ(window.GetWarningText()->GetText(), en_US_Factory().GetString(140));
-    WelcomeTest::ChangeState([](json& state) { state["bootOption"]["auditMode"] = true; });
+    ChangeState([](json& state) { state["bootOption"]["auditMode"] = true; });
     window.Reload();
     EXPECT_EQ(window.GetWarningText()->GetText(), en_US_Factory().GetString(141))
         << "audit mode outweighs the missing server";
     // Without a management interface the earlier warning stays.
-    WelcomeTest::ChangeState([](json& state) {
+    ChangeState([](json& state) {
         state["bootOption"]["auditMode"] = false;
         state["network"]["managementInterface"] = "";
     });
     window.Reload();
     EXPECT_EQ(window.GetWarningText()->GetText(), en_US_Factory().GetString(141));
     EXPECT_NE(window.GetManagementText()->GetText().find("https://0.0.0.0/ (STATIC)"), std::string::npos);
-}
-
-TEST_F(WelcomeWindowTest, FailuresBeforeTheFirstFillAndAfterIt) {
-    WelcomeTest::SetLibFault("DnsConfigImpl::GetHostname", "name service down");
-    WelcomeWindow window;
-    EXPECT_NO_THROW(window.Reload());
-    EXPECT_EQ(window.GetManagementText(), nullptr) << "the texts stay unbuilt";
-    ASSERT_NE(window.GetFooterText(), nullptr);
-    ResetState();
-    window.Reload();
-    ASSERT_NE(window.GetManagementText(), nullptr);
-    // A dimmed screen stays dimmed through a reload; a later failure empties the addresses only
-    // (checked end to end).
-    window.SetActive(false);
-    window.Reload();
-    EXPECT_FALSE(window.GetManagementText()->IsActive());
-}
-
-TEST_F(WelcomeWindowTest, CustomMessageTakesTheWholeScreenAndGivesItBack) {
-    ResetState([](json& state) { state["welcomeMessage"] = "Host {hostname}"; });
-    WelcomeWindow window;
-    window.Reload();
-    EXPECT_EQ(window.GetChildren().size(), 1u);
-    EXPECT_EQ(window.GetFooterText(), nullptr);
-    WelcomeTest::ChangeState([](json& state) { state["welcomeMessage"] = ""; });
-    window.Reload();
-    EXPECT_EQ(window.GetCustomText(), nullptr);
-    EXPECT_EQ(window.GetChildren().size(), 2u);
 }
 
 // The logout records of a session are checked end to end; here, what runs inside a session and
@@ -144,10 +119,10 @@ TEST_F(WelcomeWindowTest, F2RunsTheMenuInASessionAndF12TheShutdownOutsideOne) {
         EXPECT_EQ(calls.shutdowns, user ? 1 : 0);
         EXPECT_FALSE(calls.sessionDuringShutdown && user);
         EXPECT_FALSE(sessionActive);
-        EXPECT_EQ(Matching(syslogPath, "logged out").size(), user ? 1u : 0u);
+        EXPECT_EQ(Logged(Record::Syslog, "logged out"), user ? 1u : 0u);
         ResetState();
     }
-    EXPECT_TRUE(WelcomeTest::RecordLines(auditPath).empty());
+    EXPECT_TRUE(program->Host().Lines(Record::Audit).empty());
 }
 
 TEST_F(WelcomeWindowTest, TimeOutInTheSessionIsCaughtHere) {
@@ -157,9 +132,9 @@ TEST_F(WelcomeWindowTest, TimeOutInTheSessionIsCaughtHere) {
     window.HandleKey(Keys::F2);
     EXPECT_TRUE(window.IsActive()) << "drawn active again";
     EXPECT_FALSE(sessionActive);
-    EXPECT_EQ(Matching(syslogPath, "User root logged out due to time out").size(), 1u);
-    EXPECT_EQ(Matching(syslogPath, "User root logged out").size(), 1u) << "no line of a closed session";
-    EXPECT_EQ(Matching(auditPath, "user=root service=lanyx success=1 reason=\"Time out\"").size(), 1u);
+    EXPECT_EQ(Logged(Record::Syslog, "User root logged out due to time out"), 1u);
+    EXPECT_EQ(Logged(Record::Syslog, "User root logged out"), 1u) << "no line of a closed session";
+    EXPECT_EQ(Logged(Record::Audit, "user=root service=lanyx success=1 reason=\"Time out\""), 1u);
 }
 
 } // namespace

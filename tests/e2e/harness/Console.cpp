@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -16,13 +17,126 @@
 
 #include <vterm.h>
 
-#include "harness/HostRoot.hpp"
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+
 
 extern char** environ;
 
 namespace LanyxE2E {
 
+std::string LanyxBinary() { return LANYX_E2E_LANYX; }
+std::string KeyTestBinary() { return LANYX_E2E_KEYTEST; }
+std::string BuildDir() { return LANYX_E2E_BUILD_DIR; }
+
 namespace {
+
+#if !defined(__x86_64__)
+#error "the wait for a reading program knows the system call numbers of x86_64 only"
+#endif
+enum SystemCall : long { Read = 0, Poll = 7, Wait4 = 61, Ppoll = 271, Waitid = 247 };
+
+std::string ProcFile(const std::string& path)
+{
+    std::ifstream in(path);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// What /proc tells of a process's main thread.
+struct Task {
+    char state = '?';
+    long call = -1; // -1 while running
+    unsigned long args[6] = {};
+    std::string switches; // voluntary context switches: unchanged while it stays blocked
+};
+
+std::optional<Task> ReadTask(pid_t pid)
+{
+    const std::string base = "/proc/" + std::to_string(pid) + "/task/" + std::to_string(pid) + "/";
+    const std::string stat = ProcFile(base + "stat");
+    const size_t close = stat.rfind(')');
+    if (close == std::string::npos || close + 2 >= stat.size())
+        return std::nullopt;
+    Task task;
+    task.state = stat[close + 2];
+    std::istringstream call(ProcFile(base + "syscall"));
+    std::string word;
+    if (call >> word && !word.empty() && std::isdigit(static_cast<unsigned char>(word[0]))) {
+        task.call = std::stol(word);
+        for (unsigned long& arg : task.args)
+            if (call >> word)
+                arg = std::stoul(word, nullptr, 16);
+    }
+    const std::string status = ProcFile(base + "status");
+    const size_t at = status.find("voluntary_ctxt_switches:");
+    if (at != std::string::npos)
+        task.switches = status.substr(at, status.find('\n', at) - at);
+    return task;
+}
+
+bool IsTerminal(pid_t pid, long fd, const std::string& terminal)
+{
+    std::error_code error;
+    const auto target = std::filesystem::read_symlink(
+        "/proc/" + std::to_string(pid) + "/fd/" + std::to_string(fd), error);
+    return !error && (target == terminal || target == "/dev/tty");
+}
+
+// Whether the poll of `pid` at `address` waits for input on the terminal among `count` entries.
+bool PollsTerminal(pid_t pid, unsigned long address, unsigned long count, const std::string& terminal)
+{
+    if (count == 0 || count > 64)
+        return false;
+    std::vector<pollfd> fds(count);
+    const int mem = open(("/proc/" + std::to_string(pid) + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
+    if (mem < 0)
+        return false;
+    const size_t size = count * sizeof(pollfd);
+    const bool read = pread(mem, fds.data(), size, static_cast<off_t>(address)) == static_cast<ssize_t>(size);
+    close(mem);
+    for (const pollfd& fd : fds)
+        if (read && (fd.events & POLLIN) && IsTerminal(pid, fd.fd, terminal))
+            return true;
+    return false;
+}
+
+// The process, the console or a child it waits for, that is blocked reading the terminal. The
+// console's own key wait polls the keyboard and its signal pipe; a poll of the keyboard alone is
+// curses waiting for the rest of an escape sequence, and a key sent then would join it.
+std::optional<std::pair<pid_t, std::string>> FindReader(pid_t pid, const std::string& terminal, bool console,
+                                                        int depth = 0)
+{
+    const auto task = ReadTask(pid);
+    if (!task || task->state != 'S' || depth > 4)
+        return std::nullopt;
+    const std::pair<pid_t, std::string> found{pid, task->switches};
+    switch (task->call) {
+    case Read:
+        if (IsTerminal(pid, static_cast<long>(task->args[0]), terminal))
+            return found;
+        break;
+    case Poll:
+    case Ppoll:
+        if ((!console || task->args[1] >= 2) && PollsTerminal(pid, task->args[0], task->args[1], terminal))
+            return found;
+        break;
+    case Wait4:
+    case Waitid: {
+        std::istringstream children(
+            ProcFile("/proc/" + std::to_string(pid) + "/task/" + std::to_string(pid) + "/children"));
+        for (pid_t child; children >> child;)
+            if (auto reader = FindReader(child, terminal, false, depth + 1))
+                return reader;
+        break;
+    }
+    default:
+        break;
+    }
+    return std::nullopt;
+}
 
 constexpr const char* kFaketimeLibrary = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1";
 
@@ -291,8 +405,10 @@ Console::Console(ConsoleOptions options)
     }
     fcntl(master_, F_SETFD, FD_CLOEXEC);
     fcntl(master_, F_SETFL, fcntl(master_, F_GETFL) | O_NONBLOCK);
-    if (const char* name = ptsname(master_))
+    if (const char* name = ptsname(master_)) {
+        terminal_ = name;
         slave_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    }
 }
 
 Console::~Console()
@@ -326,10 +442,63 @@ void Console::Send(std::string_view bytes)
     }
 }
 
+::testing::AssertionResult Console::WaitUntilReading(Duration timeout)
+{
+    const auto deadline = Clock::now() + timeout;
+    for (;;) {
+        Pump();
+        if (exit_)
+            return ::testing::AssertionFailure() << "the process ended instead of reading\n" << Describe();
+        const auto before = FindReader(pid_, terminal_, true);
+        // A reader still blocked as it was when a key or signal went out has not had it yet: the
+        // terminal hands input over a little later. A line-buffered reader wakes only at the line's end.
+        if (before && (!wakeFrom_ || before != wakeFrom_ || (Modes().c_lflag & ICANON))) {
+            // Output written just before the block reaches this side a little later.
+            const size_t received = received_;
+            Pump(Duration(5));
+            if (received_ == received && FindReader(pid_, terminal_, true) == before) {
+                wakeFrom_.reset();
+                return ::testing::AssertionSuccess();
+            }
+        }
+        if (Clock::now() >= deadline)
+            return ::testing::AssertionFailure() << "no read of the terminal within " << timeout.count() << " ms\n"
+                                                 << Describe();
+        Pump(Duration(2));
+    }
+}
+
+bool Console::SendKey(std::string_view key)
+{
+    if (auto reading = WaitUntilReading(); !reading) {
+        std::string shown;
+        for (const unsigned char c : key) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, std::isprint(c) ? "%c" : "\\x%02x", c);
+            shown += escaped;
+        }
+        ADD_FAILURE() << "key \"" << shown << "\" not sent: " << reading.message();
+        return false;
+    }
+    wakeFrom_ = FindReader(pid_, terminal_, true);
+    Send(key);
+    return true;
+}
+
+bool Console::Type(std::string_view text)
+{
+    for (size_t i = 0; i < text.size(); ++i)
+        if (!SendKey(text.substr(i, 1)))
+            return false;
+    return true;
+}
+
 void Console::Signal(int sig)
 {
-    if (!exit_)
-        kill(pid_, sig);
+    if (exit_)
+        return;
+    wakeFrom_ = FindReader(pid_, terminal_, true);
+    kill(pid_, sig);
 }
 
 void Console::Resize(int rows, int cols)
@@ -348,6 +517,7 @@ void Console::Resize(int rows, int cols)
 // scrolls the whole screen. The harness expands the repeat itself.
 void Console::Feed(const char* bytes, size_t length)
 {
+    received_ += length;
     transcript_.append(bytes, length);
     std::string data = std::move(pendingEscape_);
     pendingEscape_.clear();
@@ -448,49 +618,46 @@ bool Console::Running()
 ::testing::AssertionResult Console::WaitFor(const std::function<bool()>& condition, Duration timeout,
                                             std::string_view what)
 {
+    return Await(condition, timeout, what, false);
+}
+
+// Wakes on output, and in any case soon, since the condition may look at files. A wait for the
+// screen alone ends with the process once its output is drained.
+::testing::AssertionResult Console::Await(const std::function<bool()>& condition, Duration timeout,
+                                          std::string_view what, bool screenOnly)
+{
     const auto deadline = Clock::now() + timeout;
     for (;;) {
         Pump();
         if (condition())
             return ::testing::AssertionSuccess();
-        if (Clock::now() >= deadline)
+        if ((screenOnly && exit_) || Clock::now() >= deadline)
             break;
-        // Wake on output, and in any case soon, since the condition may look at files.
         Pump(Duration(std::min(20, MillisLeft(deadline))));
     }
-    return ::testing::AssertionFailure() << what << " not met within " << timeout.count() << " ms\n" << Describe();
+    return ::testing::AssertionFailure() << what << (exit_ ? " not met before the process ended" : " not met within " +
+                                                     std::to_string(timeout.count()) + " ms")
+                                         << "\n" << Describe();
 }
 
 ::testing::AssertionResult Console::WaitForText(std::string_view text, Duration timeout)
 {
-    const auto deadline = Clock::now() + timeout;
-    for (;;) {
-        Pump();
-        if (Find(text))
-            return ::testing::AssertionSuccess();
-        if (exit_ || Clock::now() >= deadline)
-            break;
-        Pump(Duration(std::min(100, MillisLeft(deadline))));
-    }
-    return ::testing::AssertionFailure() << "\"" << text << "\" not shown"
-                                         << (exit_ ? " before the process ended" : " within " + std::to_string(timeout.count()) + " ms")
-                                         << "\n"
-                                         << Describe();
+    return Await([&] { return Find(text).has_value(); }, timeout, "\"" + std::string(text) + "\" shown", true);
 }
 
 ::testing::AssertionResult Console::WaitForFullScreen(std::string_view text, std::string_view absent,
                                                       Duration timeout)
 {
-    return WaitFor(
+    return Await(
         [&] {
             return CellAt(rows_ - 1, cols_ - 1).text == "┘" && Find(text) && (absent.empty() || !Find(absent));
         },
-        timeout, "the whole screen with \"" + std::string(text) + "\"");
+        timeout, "the whole screen with \"" + std::string(text) + "\"", true);
 }
 
 ::testing::AssertionResult Console::WaitForTextGone(std::string_view text, Duration timeout)
 {
-    return WaitFor([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone");
+    return Await([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone", true);
 }
 
 std::optional<ExitInfo> Console::WaitForExit(Duration timeout)
@@ -541,7 +708,9 @@ Cell Console::CellAt(int row, int col) const
     return cell;
 }
 
-std::string Console::Text(int row, int col, int length) const
+std::string Console::Text(int row, int col, int length) const { return RightTrim(Cells(row, col, length)); }
+
+std::string Console::Cells(int row, int col, int length) const
 {
     std::string text;
     for (int c = col; c < col + length && c < cols_; ++c) {
@@ -553,7 +722,7 @@ std::string Console::Text(int row, int col, int length) const
     return text;
 }
 
-std::string Console::Row(int row) const { return RightTrim(Text(row, 0, cols_)); }
+std::string Console::Row(int row) const { return Text(row, 0, cols_); }
 
 std::string Console::ScreenText() const
 {
@@ -610,8 +779,7 @@ std::string Console::Describe() const
     out << "screen (" << cols_ << "x" << rows_ << "):\n";
     out << "+" << std::string(static_cast<size_t>(cols_), '-') << "+\n";
     for (int r = 0; r < rows_; ++r) {
-        std::string row = Text(r, 0, cols_);
-        out << "|" << row << "|\n";
+        out << "|" << Cells(r, 0, cols_) << "|\n";
     }
     out << "+" << std::string(static_cast<size_t>(cols_), '-') << "+\n";
     return out.str();

@@ -14,9 +14,16 @@
 
 #include <gtest/gtest.h>
 
-#include "harness/Process.hpp"
+#include "Process.hpp"
 
 namespace LanyxE2E {
+
+using namespace LanyxTest;
+
+// Paths of the built programs (compile definitions of the harness library).
+std::string LanyxBinary();
+std::string KeyTestBinary(); // the console with the bare key test frame as its first screen
+std::string BuildDir();
 
 // Bytes an xterm sends for named keys while the program has the keypad in application mode
 // (as curses programs do). Raw sequences of other terminals are sent with Send as they are.
@@ -83,8 +90,18 @@ public:
 
     pid_t Pid() const { return pid_; }
 
-    // Writes raw bytes to the terminal's input.
+    // Writes raw bytes to the terminal's input at once.
     void Send(std::string_view bytes);
+    // Waits until the program reads its terminal with all its output taken, then sends one key.
+    // The console drops keys typed while a screen opens, so keys go through here; a failed wait
+    // fails the test.
+    bool SendKey(std::string_view key);
+    // Each character as a key of its own.
+    bool Type(std::string_view text);
+    // Waits until the program that has the terminal is blocked reading it (the console's main
+    // thread in its key wait; a pager or other child it waits for in its own read) and its
+    // output is drained: what the screen shows then stays until the next key or signal.
+    ::testing::AssertionResult WaitUntilReading(Duration timeout = 10s);
     // Sends a signal to the process.
     void Signal(int sig);
     // Changes the terminal size as a terminal window would: the process gets SIGWINCH.
@@ -120,7 +137,7 @@ public:
     std::string ScreenText() const;
     // One row (0-based), trailing blanks removed.
     std::string Row(int row) const;
-    // `length` cells of a row from `col` (0-based), as shown.
+    // `length` cells of a row from `col` (0-based), as shown, trailing blanks removed.
     std::string Text(int row, int col, int length) const;
     Cell CellAt(int row, int col) const;
     // The first position of `text` on the screen (row, column), if shown.
@@ -139,6 +156,9 @@ public:
 
 private:
     struct Emulator;
+    std::string Cells(int row, int col, int length) const; // untrimmed
+    ::testing::AssertionResult Await(const std::function<bool()>& condition, Duration timeout, std::string_view what,
+                                     bool screenOnly);
     void Reap();
     void Drain();
     void Feed(const char* bytes, size_t length);
@@ -155,6 +175,9 @@ private:
     std::string pendingEscape_; // an escape sequence cut by the end of a read
     std::string lastWritten_;   // the tail of what went to the emulator
     std::string command_;
+    std::string terminal_; // the path of the program's side of the terminal
+    size_t received_ = 0;  // bytes of output taken so far
+    std::optional<std::pair<pid_t, std::string>> wakeFrom_; // the reader as a key or signal found it
 };
 
 } // namespace LanyxE2E

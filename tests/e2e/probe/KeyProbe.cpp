@@ -1,7 +1,9 @@
 // A tiny curses program that the harness is checked against, independent of the console.
 // Keys: q ends normally (status 0), x ends with status 3 without restoring the terminal,
-// t waits 60 seconds of clock time in poll and reports it, e shows argument and environment,
-// b writes many lines after leaving curses and ends with status 5.
+// t waits 60 seconds of clock time in poll and reports it,
+// b writes many lines after leaving curses and ends with status 5, f is busy a moment and then
+// drops what was typed meanwhile (as the console does when a screen opens), p hands the terminal
+// to a shell that reads one line.
 #include <cstdio>
 #include <cstdlib>
 #include <poll.h>
@@ -21,7 +23,7 @@ void Show(int row, const char* text)
 
 } // namespace
 
-int main(int argc, char** argv)
+int main()
 {
     initscr();
     cbreak();
@@ -71,11 +73,18 @@ int main(int argc, char** argv)
             std::snprintf(line, sizeof line, "slept %ld", static_cast<long>(after.tv_sec - before.tv_sec));
             Show(5, line);
         }
-        if (key == 'e') {
-            const char* root = std::getenv("LANYX_HOST_ROOT");
-            std::snprintf(line, sizeof line, "arg=%s root=%s term=%s", argc > 1 ? argv[1] : "-", root ? root : "-",
-                          std::getenv("TERM"));
-            Show(6, line);
+        if (key == 'f') {
+            napms(300);
+            flushinp();
+            Show(7, "flushed");
+        }
+        if (key == 'p') {
+            def_prog_mode();
+            endwin();
+            const int status = std::system("read answer; printf 'answer %s\\n' \"$answer\"");
+            reset_prog_mode();
+            std::snprintf(line, sizeof line, "back %d", status);
+            Show(8, line);
         }
         if (key == 'b') {
             endwin();

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace LanyxE2E {
+namespace LanyxTest {
 
 using namespace std::chrono_literals;
 using Duration = std::chrono::milliseconds;
@@ -28,11 +28,13 @@ struct ProcessResult {
     bool Succeeded() const { return !timedOut && exit.Exited() && exit.Code() == 0; }
 };
 
-// Runs argv[0] (a path) with the given arguments and the caller's environment; stdin is
-// /dev/null. The child gets its own process group, which is killed at the deadline.
-ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout = 30s);
+// Runs argv[0] (a path) with the given arguments; stdin is /dev/null. The environment is the
+// caller's, or exactly `env` ("NAME=value") when given. The child gets its own process group,
+// which is killed at the deadline.
+ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout = 30s,
+                         const std::vector<std::string>* env = nullptr);
 
 // Quotes a command line for messages.
 std::string JoinCommand(const std::vector<std::string>& argv);
 
-} // namespace LanyxE2E
+} // namespace LanyxTest

@@ -1,4 +1,4 @@
-#include "harness/Process.hpp"
+#include "Process.hpp"
 
 #include <cerrno>
 #include <csignal>
@@ -8,7 +8,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace LanyxE2E {
+extern char** environ;
+
+namespace LanyxTest {
 
 bool ExitInfo::Exited() const { return WIFEXITED(status); }
 int ExitInfo::Code() const { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
@@ -38,7 +40,7 @@ std::string JoinCommand(const std::vector<std::string>& argv)
     return line;
 }
 
-ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout)
+ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout, const std::vector<std::string>* env)
 {
     ProcessResult result;
     int fds[2];
@@ -47,6 +49,14 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout)
         result.output = "cannot start " + JoinCommand(argv);
         return result;
     }
+    // Prepared before the fork: the child only execs.
+    std::vector<char*> args, envp;
+    for (const auto& arg : argv)
+        args.push_back(const_cast<char*>(arg.c_str()));
+    args.push_back(nullptr);
+    for (const auto& entry : env ? *env : std::vector<std::string>())
+        envp.push_back(const_cast<char*>(entry.c_str()));
+    envp.push_back(nullptr);
     const pid_t pid = fork();
     if (pid == 0) {
         setpgid(0, 0);
@@ -57,13 +67,8 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout)
         dup2(devNull, 0);
         dup2(fds[1], 1);
         dup2(fds[1], 2);
-        std::vector<char*> args;
-        for (const auto& arg : argv)
-            args.push_back(const_cast<char*>(arg.c_str()));
-        args.push_back(nullptr);
-        execv(args[0], args.data());
-        const std::string msg = "exec " + argv[0] + ": " + strerror(errno) + "\n";
-        [[maybe_unused]] auto n = write(2, msg.data(), msg.size());
+        execve(args[0], args.data(), env ? envp.data() : environ);
+        [[maybe_unused]] auto n = write(2, "exec failed\n", 12);
         _exit(127);
     }
     close(fds[1]);
@@ -120,4 +125,4 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout)
     return result;
 }
 
-} // namespace LanyxE2E
+} // namespace LanyxTest

@@ -1,0 +1,159 @@
+// Dimming after a minute without a key, the lighting after it and the idle limit of a session,
+// under accelerated clocks. These tests run alone (see CMakeLists.txt): they compare the console's
+// clock with the wall clock.
+#include <chrono>
+#include <csignal>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "harness/Session.hpp"
+
+using namespace LanyxE2E;
+
+namespace {
+
+// One real second is this many seconds for the console.
+constexpr const char* kFast = "+0 x100";
+constexpr const char* kFaster = "+0 x1000";
+// The welcome screen: the version line in the upper half; the key test frame: its title.
+constexpr int kVersionRow = 5, kWelcomeColumn = 8, kFrameRow = 1, kFrameColumn = 2;
+// The login box: its title.
+constexpr int kBoxTitleRow = 7, kBoxTitleColumn = 13;
+
+bool IsDimmed(const Cell& cell) { return cell.fg.IsIndex(6) && cell.bg.IsIndex(0); }
+
+::testing::AssertionResult Dims(Console& console, int row, int col)
+{
+    return console.WaitFor([&] { return IsDimmed(console.CellAt(row, col)); }, 10s, "dimmed");
+}
+
+std::string LastKey(const Console& console)
+{
+    return console.Text(3, kFrameColumn, 20);
+}
+
+TEST(Clock, WelcomeScreenDimsWholeAndTheWakingKeyIsDelivered)
+{
+    Session s("default", {.faketime = kFast});
+    Console& console = s.Screen();
+    const auto version = [&] { return console.CellAt(kVersionRow, kWelcomeColumn); };
+    ASSERT_TRUE(s.AwaitWelcome());
+    EXPECT_TRUE(version().fg.IsIndex(7) && version().bg.IsIndex(6)) << version();
+    // The texts dim one after another; the box and the panes with the refresh that ends it.
+    ASSERT_TRUE(console.WaitFor(
+        [&] {
+            return IsDimmed(version()) && IsDimmed(console.CellAt(13, kWelcomeColumn)) &&
+                   IsDimmed(console.CellAt(0, 0)) && IsDimmed(console.CellAt(18, 40));
+        },
+        10s, "the whole screen dimmed, box and lower half too"));
+    // F4 is not swallowed by the waking: it switches to monochrome, standout on the upper half.
+    s.Key(Keys::F(4));
+    EXPECT_TRUE(console.WaitFor([&] { return version().reverse; }, 10s, "the waking key acted on")) << version();
+}
+
+// Any key lights a dimmed screen again: the welcome screen, and a dialog above it.
+TEST(Clock, DimmedScreensLightAgainAfterAKey)
+{
+    Session s("default", {.faketime = kFast});
+    Console& console = s.Screen();
+    ASSERT_TRUE(s.AwaitWelcome());
+    ASSERT_TRUE(Dims(console, kVersionRow, kWelcomeColumn));
+    s.Key("x");
+    ASSERT_TRUE(s.Settle());
+    // Upper and lower half, the box and the footer.
+    for (const auto& [row, col] : {std::pair{kVersionRow, kWelcomeColumn}, {13, kWelcomeColumn}, {18, 40}, {0, 0},
+                                   {23, 2}})
+        EXPECT_FALSE(IsDimmed(console.CellAt(row, col)))
+            << row << "," << col << ": the welcome screen stays dimmed after a key\n" << console.Describe();
+
+    ASSERT_TRUE(s.OpenLogin());
+    ASSERT_TRUE(Dims(console, kBoxTitleRow, kBoxTitleColumn));
+    s.Key(Keys::Down);
+    ASSERT_TRUE(s.Settle());
+    EXPECT_FALSE(IsDimmed(console.CellAt(kBoxTitleRow, kBoxTitleColumn)))
+        << "the login box stays dimmed after a key\n" << console.Describe();
+}
+
+TEST(Clock, KeysRestartTheIdleClock)
+{
+    // 240 seconds are 2.4 seconds of ours; a key at every dimming (0.6 seconds) keeps the session
+    // open past that in total.
+    Session s("default", {.settings = {{"lanyx-timeout", "240"}}, .faketime = kFast, .keyTestFrame = true});
+    Console& console = s.Screen();
+    s.Key(Keys::F(9));
+    ASSERT_TRUE(console.WaitForText("Session active"));
+    const auto start = std::chrono::steady_clock::now();
+    for (char key = 'a'; std::chrono::steady_clock::now() - start < 3s; key = key == 'a' ? 'n' : 'a') {
+        ASSERT_TRUE(Dims(console, kFrameRow, kFrameColumn));
+        s.Key(std::string(1, key));
+        ASSERT_TRUE(console.WaitFor([&] { return LastKey(console) == "Last key: " + std::to_string(key); }));
+        EXPECT_FALSE(IsDimmed(console.CellAt(kFrameRow, kFrameColumn)));
+        ASSERT_TRUE(console.Find("Session active"));
+    }
+}
+
+// The limit as the host sets it ends sessions after a real login (below); here, a limit of zero
+// and the default taken when the host state cannot be read.
+TEST(Clock, IdleLimitOfZeroAndTheDefault)
+{
+    Session s("default", {.settings = {{"lanyx-timeout", "0"}}, .faketime = kFaster, .keyTestFrame = true});
+    s.Key(Keys::F(9));
+    ASSERT_TRUE(s.Screen().WaitForText("Session active"));
+    ASSERT_TRUE(Dims(s.Screen(), kFrameRow, kFrameColumn));
+    // 1.5 seconds are 1500 seconds of the console's clock, past any default limit.
+    EXPECT_FALSE(s.Screen().WaitForText("Session timed out", 1500ms));
+
+    // A damaged state does not stop the start either.
+    s.Restart({.prepare = [](HostRoot& host) { host.Write("/var/lib/hostsim/state.json", "garbage"); },
+               .faketime = kFaster,
+               .keyTestFrame = true});
+    const auto start = std::chrono::steady_clock::now();
+    s.Key(Keys::F(9));
+    ASSERT_TRUE(s.Screen().WaitForText("Session timed out"));
+    // 600 seconds of the console's clock are 0.6 seconds of ours.
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 550ms);
+    // Outside the session the frame takes keys again.
+    s.Key("a");
+    EXPECT_TRUE(s.Screen().WaitFor([&] { return LastKey(s.Screen()) == "Last key: 97"; }));
+}
+
+TEST(Clock, IdleLimitInTheLoginBoxEndsTheRoundWithTheLastUser)
+{
+    // A limit of 60 seconds is 3 real seconds at twenty times the speed.
+    Session s("default", {.settings = {{"lanyx-timeout", "60"}}, .faketime = "+0 x20"});
+    ASSERT_TRUE(s.OpenLogin());
+    // An expired account gets past the password, so it is the user the time-out names.
+    s.Type("expired");
+    s.Key(Keys::Enter);
+    s.Type("expired-Pass1");
+    s.Key(Keys::Enter);
+    ASSERT_TRUE(s.Screen().WaitForText("Password has expired."));
+    s.Key(Keys::Enter);
+    ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: User expired logged out due to time out"));
+    ASSERT_TRUE(s.AwaitWelcome());
+    EXPECT_TRUE(s.Host().WaitForLine(Record::Audit,
+                                     "action=lanyx.logout user=expired service=lanyx success=1 reason=\"Time out\""));
+    // The welcome screen is lit again and takes F2 once more.
+    const Cell version = s.Screen().CellAt(kVersionRow, kWelcomeColumn);
+    EXPECT_TRUE(version.fg.IsIndex(7) && version.bg.IsIndex(6)) << version;
+    EXPECT_TRUE(s.OpenLogin());
+}
+
+TEST(Clock, IdleLimitInTheMenuEndsTheSessionWithItsRecords)
+{
+    // 120 seconds of the console's clock are 6 real seconds at twenty times the speed: room for
+    // the login, which keys keep alive, and the menu, which nobody touches.
+    const auto start = std::chrono::steady_clock::now();
+    Session s("default", {.settings = {{"lanyx-timeout", "120"}}, .faketime = "+0 x20"});
+    ASSERT_TRUE(s.LogIn());
+    ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 20s));
+    // The limit runs from the last key, typed after the start: it cannot end any sooner.
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 5900ms);
+    EXPECT_TRUE(s.AwaitWelcome());
+    EXPECT_TRUE(s.Host().WaitForLine(Record::Audit,
+                                     "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
+    EXPECT_TRUE(s.Host().Matching(Record::Syslog, "]: User root logged out\n").empty());
+}
+
+} // namespace

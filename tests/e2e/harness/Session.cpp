@@ -1,0 +1,94 @@
+#include "harness/Session.hpp"
+
+namespace LanyxE2E {
+
+Session::Session(const std::string& profile, SessionOptions options)
+    : host_(std::make_unique<HostRoot>(profile))
+{
+    Restart(std::move(options));
+}
+
+void Session::Restart(SessionOptions options)
+{
+    console_.reset();
+    for (const auto& [name, value] : options.settings)
+        host_->Set(name, value);
+    for (const auto& fault : options.faults)
+        host_->Fault(fault);
+    if (options.prepare)
+        options.prepare(*host_);
+    ConsoleOptions start;
+    start.argv.push_back(options.keyTestFrame ? KeyTestBinary() : LanyxBinary());
+    start.argv.insert(start.argv.end(), options.args.begin(), options.args.end());
+    start.hostRoot = host_->Path();
+    start.term = options.term;
+    start.rows = options.rows;
+    start.cols = options.cols;
+    start.faketime = options.faketime;
+    console_ = std::make_unique<Console>(start);
+}
+
+::testing::AssertionResult Session::AwaitWelcome()
+{
+    if (auto shown = console_->WaitForFullScreen(kWelcomeReady, "Authentication"); !shown)
+        return shown;
+    return Settle();
+}
+
+::testing::AssertionResult Session::OpenLogin()
+{
+    if (!Key(Keys::F(2)))
+        return ::testing::AssertionFailure() << "F2 not sent";
+    if (auto shown = console_->WaitForText("Authentication Required"); !shown)
+        return shown;
+    return Settle();
+}
+
+::testing::AssertionResult Session::LogIn(const std::string& user, const std::string& password)
+{
+    if (auto box = OpenLogin(); !box)
+        return box;
+    // The name line is selected with its default selected whole: typing replaces it.
+    if (!Type(user) || !Key(Keys::Enter) || !Type(password) || !Key(Keys::Enter))
+        return ::testing::AssertionFailure() << "the login was not typed";
+    if (auto menu = console_->WaitForText("System Customization"); !menu)
+        return menu;
+    return Settle();
+}
+
+std::string Session::RightTitle() const
+{
+    const int column = console_->Cols() / 2 + 2;
+    return console_->Text(1, column, console_->Cols() - column - 4);
+}
+
+::testing::AssertionResult Session::SelectEntry(const std::string& title)
+{
+    if (auto settled = Settle(); !settled)
+        return settled;
+    for (std::string_view key : {Keys::Down, Keys::Up}) {
+        for (;;) {
+            if (RightTitle() == title)
+                return ::testing::AssertionSuccess();
+            const std::string before = RightTitle();
+            if (!Key(key))
+                return ::testing::AssertionFailure() << "no key sent";
+            if (auto settled = Settle(); !settled)
+                return settled;
+            if (RightTitle() == before)
+                break; // the end of the list in this direction
+        }
+    }
+    return ::testing::AssertionFailure() << "no entry \"" << title << "\" in the menu\n" << console_->Describe();
+}
+
+::testing::AssertionResult Session::OpenEntry(const std::string& title)
+{
+    if (auto selected = SelectEntry(title); !selected)
+        return selected;
+    if (!Key(Keys::Enter))
+        return ::testing::AssertionFailure() << "Enter not sent";
+    return Settle();
+}
+
+} // namespace LanyxE2E
