@@ -67,7 +67,9 @@ nlohmann::json DefaultState() {
         {"ipv6Enabled", true},
         {"gateway", "192.168.10.1"},
         {"ipv6Gateway", ""},
-        {"dns", {{"servers", {"192.168.10.2", "192.168.10.3"}}, {"searchDomains", {"lab.example.test"}}, {"dhcp", false}}}};
+        {"dns", {{"servers", {"192.168.10.2", "192.168.10.3"}}, {"searchDomains", {"lab.example.test"}}, {"dhcp", false},
+                 {"records", {{"lanyx-lab01.lab.example.test", {"192.168.10.21"}},
+                              {"gateway.lab.example.test", {"192.168.10.1"}}}}}}};
     state["pnics"] = json::array({
         {{"name", "hwport0"}, {"pciLabel", "Tessellate  Ethernet Controller X710 for 10GbE SFP+ "},
          {"mac", "3c:fd:fe:a1:00:10"}, {"link", true}, {"speedMbps", 10000}, {"driver", "i40en"}},

@@ -16,6 +16,8 @@
 #include "keelson/Lib.hpp"
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
+#include "network/RestartNetworkDialog.hpp"
+#include "network/TestDialog.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/menu/SupportPages.hpp"
 #include "text/CatalogueIds.hpp"
@@ -292,19 +294,23 @@ void GeneralWindow::RunEntry(uint32_t id)
     switch (id) {
     case Ids::RestartManagementNetwork:
         try {
-            if (!FindManagementInterface()) {
+            const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface();
+            if (!nic)
                 MessageDialog(this, Ids::RestartNetworkError, Ids::InterfaceNotFound).RunModal();
-            }
-            // The restart dialog for a found interface runs here.
+            else
+                RestartNetworkDialog(this, nic.get()).RunModal();
         } catch (const KeelsonException&) {
             MessageDialog(this, Ids::RestartNetworkError, Ids::InterfaceOperationFailed).RunModal();
         }
         Draw();
         break;
+    case Ids::TestManagementNetwork:
+        TestDialog(this).RunModal();
+        Draw();
+        break;
     case Ids::ConfigurePassword:           // change password dialog
     case Ids::ConfigureLockdownMode:           // lockdown dialog; refreshes lockdownEnabled when it changed the mode
     case Ids::ConfigureManagementNetwork:   // network window
-    case Ids::TestManagementNetwork:        // network test dialog
     case Ids::NetworkRestoreOptions:     // network restore window
     case Ids::TroubleshootingOptions:    // troubleshooting window
     case Ids::ResetSystemConfiguration: // reset dialog
