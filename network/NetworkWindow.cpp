@@ -1,8 +1,12 @@
 #include "network/NetworkWindow.hpp"
 
 #include "host/Log.hpp"
+#include "network/AdaptersDialog.hpp"
 #include "network/ApplyChangesDialog.hpp"
+#include "network/DNSConfigurationDialog.hpp"
 #include "network/IPConfigurationDialog.hpp"
+#include "network/IPv6ConfigurationDialog.hpp"
+#include "network/SuffixesDialog.hpp"
 #include "network/VlanDialog.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/RebootConfirmDialog.hpp"
@@ -70,8 +74,9 @@ void NetworkWindow::RunEntry(uint32_t id)
         std::string switchName;
         if (!GetSwitchName(managementInterface.get(), switchName))
             break;
-        // Merge point, AdaptersDialog (branch network2):
-        // { AdaptersDialog d(this, pending.adapters, pending.maxActiveUplinks, switchName); if (d.RunModal()) { pending.TakeAdapters(d.selectedNames); ShowDetails(); } }
+        AdaptersDialog dialog(this, pending.adapters, pending.maxActiveUplinks, switchName);
+        if (dialog.RunModal())
+            pending.TakeAdapters(dialog.GetSelectedNames());
         break;
     }
     case Ids::VlanEntry: {
@@ -87,19 +92,30 @@ void NetworkWindow::RunEntry(uint32_t id)
             pending.TakeIpv4(dialog.config);
         break;
     }
-    case Ids::Ipv6Entry:
-        // Merge point, IPv6ConfigurationDialog (branch network2):
-        // { IPv6ConfigurationDialog d(this, pending.ipv6Enabled, pending.configuredIpConfig, pending.ipConfig); if (d.RunModal()) pending.TakeIpv6(d.enabled, d.config, d.addressEdited); }
+    case Ids::Ipv6Entry: {
+        IPv6ConfigurationDialog dialog(this, pending.ipv6Enabled, pending.configuredIpConfig, pending.ipConfig);
+        if (dialog.RunModal())
+            pending.TakeIpv6(dialog.GetEnabled(), dialog.GetConfig(), dialog.GetAddressEdited());
         break;
-    case Ids::DnsEntry:
-        // Merge point, DNSConfigurationDialog (branch network2); with the automatic choice the
-        // dialog hands back the record's own objects, so only a manual choice passes ownership:
-        // { DNSConfigurationDialog d(this, pending.configuredIpConfig.GetDhcpDns(), pending.configuredIpConfig.GetUseDhcp(), pending.primaryDns.get(), pending.alternateDns.get(), pending.hostname); if (d.RunModal()) pending.TakeDns(d.useDhcp, std::unique_ptr<KN::IpAddress>(d.useDhcp ? nullptr : d.primary), std::unique_ptr<KN::IpAddress>(d.useDhcp ? nullptr : d.alternate), d.hostname); }
+    }
+    case Ids::DnsEntry: {
+        DNSConfigurationDialog dialog(this, pending.configuredIpConfig.GetDhcpDns(),
+                                      pending.configuredIpConfig.GetUseDhcp(), pending.primaryDns.get(),
+                                      pending.alternateDns.get(), pending.hostname);
+        if (!dialog.RunModal())
+            break;
+        // Servers from DHCP are not the operator's: the record takes new ones only when typed.
+        const bool useDhcp = dialog.GetUseDhcp();
+        pending.TakeDns(useDhcp, useDhcp ? nullptr : dialog.TakePrimary(), useDhcp ? nullptr : dialog.TakeAlternate(),
+                        dialog.GetHostname());
         break;
-    case Ids::SuffixesEntry:
-        // Merge point, SuffixesDialog (branch network2):
-        // { SuffixesDialog d(this, pending.suffixes); if (d.RunModal()) pending.TakeSuffixes(d.GetValue()); }
+    }
+    case Ids::SuffixesEntry: {
+        SuffixesDialog dialog(this, pending.suffixes);
+        if (dialog.RunModal())
+            pending.TakeSuffixes(dialog.GetValue());
         break;
+    }
     default:
         return;
     }

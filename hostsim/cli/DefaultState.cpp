@@ -70,7 +70,9 @@ nlohmann::json DefaultState() {
         // What a DHCP client on the management segment is given; null: no server answers.
         {"dhcpOffer", {{"server", "192.168.10.254"}, {"address", "192.168.10.57"}, {"netmask", "255.255.255.0"},
                        {"gateway", "192.168.10.1"}, {"dnsServers", {"192.168.10.2"}}}},
-        {"dns", {{"servers", {"192.168.10.2", "192.168.10.3"}}, {"searchDomains", {"lab.example.test"}}, {"dhcp", false}}}};
+        {"dns", {{"servers", {"192.168.10.2", "192.168.10.3"}}, {"searchDomains", {"lab.example.test"}}, {"dhcp", false},
+                 {"records", {{"lanyx-lab01.lab.example.test", {"192.168.10.21"}},
+                              {"gateway.lab.example.test", {"192.168.10.1"}}}}}}};
     state["pnics"] = json::array({
         {{"name", "hwport0"}, {"pciLabel", "Tessellate  Ethernet Controller X710 for 10GbE SFP+ "},
          {"mac", "3c:fd:fe:a1:00:10"}, {"link", true}, {"speedMbps", 10000}, {"driver", "i40en"}},

@@ -254,6 +254,13 @@ void IpConfigInto(json& state, json& nic, const KN::IpConfig& config) {
     ipv6["addresses"] = addresses;
 }
 
+// The interface's "linkChanges", newest last, so that a restart can be seen in the state.
+void RecordLinkChange(json& nic, const char* change) {
+    json& changes = Array(nic, "linkChanges");
+    changes.push_back(change);
+    if (changes.size() > 50) changes.erase(changes.begin());
+}
+
 // Connection points of kind none and opaque.
 class SimPlainPoint final : public KN::ConnectionPoint {
 public:
@@ -731,10 +738,21 @@ void TesselNicImpl::SetMacAddressFromPnic(KN::Pnic* pnic) {
     stale_ = true;
 }
 
+// Coming up asks DHCP afresh: a server that answers binds the lease, none leaves no address.
 void TesselNicImpl::Enable() {
     UpdateState([&](json& state) {
         CheckFault(state, {"TesselNicImpl::Enable"});
-        Interface(state, name_)["enabled"] = true;
+        json& nic = Interface(state, name_);
+        nic["enabled"] = true;
+        RecordLinkChange(nic, "enable");
+        // An interface that comes up on DHCP asks for its lease again.
+        json& ipv4 = Object(nic, "ipv4");
+        if (Text(ipv4, "mode") == "dhcp") {
+            ipv4["renewals"] = ipv4.value("renewals", 0) + 1;
+            TakeLease(state, nic);
+        }
+        json& ipv6 = Object(nic, "ipv6");
+        if (ipv6.value("dhcp", false)) ipv6["renewals"] = ipv6.value("renewals", 0) + 1;
         HostSim::Platform::RecordCall(state, "TesselNicImpl::Enable", name_);
     });
     stale_ = true;
@@ -743,7 +761,9 @@ void TesselNicImpl::Enable() {
 void TesselNicImpl::Disable() {
     UpdateState([&](json& state) {
         CheckFault(state, {"TesselNicImpl::Disable"});
-        Interface(state, name_)["enabled"] = false;
+        json& nic = Interface(state, name_);
+        nic["enabled"] = false;
+        RecordLinkChange(nic, "disable");
         HostSim::Platform::RecordCall(state, "TesselNicImpl::Disable", name_);
     });
     stale_ = true;

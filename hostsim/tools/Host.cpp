@@ -1,6 +1,9 @@
 // Whole-host tools: power (reboot, poweroff, halt, shutdown), guests, ping, state save and the
 // factory reset. Power actions are only recorded: the machine itself is never touched.
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -11,6 +14,12 @@ namespace HostSim::Tools {
 namespace {
 
 constexpr long long kMaxPingCount = 100;
+
+void Pause(long long milliseconds) {
+    timespec wait{static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000) * 1000000L};
+    while (::nanosleep(&wait, &wait) != 0 && errno == EINTR) {
+    }
+}
 
 bool Contains(const nlohmann::json& array, const std::string& value) {
     if (!array.is_array()) return false;
@@ -125,11 +134,18 @@ int TesselPing(Context& context) {
         if (FindNamed(network.value("interfaces", nlohmann::json::array()), interface) == nullptr)
             throw ToolFailure("tesselping: unknown interface " + interface, 1);
     }
-    const bool reachable = Contains(state.value("ping", nlohmann::json::object()).value("reachable", nlohmann::json::array()), address);
+    const nlohmann::json ping = state.value("ping", nlohmann::json::object());
+    const bool reachable = Contains(ping.value("reachable", nlohmann::json::array()), address);
+    // One packet a second, as a real ping sends them; without an answer it waits one more.
+    const long long interval = std::max(0LL, ping.value("intervalMs", 1000LL));
     std::printf("PING %s: 56 data bytes\n", address.c_str());
-    if (reachable) {
-        for (long long i = 0; i < *packets; ++i) std::printf("64 bytes from %s: icmp_seq=%lld ttl=64 time=0.250 ms\n", address.c_str(), i);
+    std::fflush(stdout);
+    for (long long i = 0; i < *packets; ++i) {
+        if (i > 0) Pause(interval);
+        if (reachable) std::printf("64 bytes from %s: icmp_seq=%lld ttl=64 time=0.250 ms\n", address.c_str(), i);
+        std::fflush(stdout);
     }
+    if (!reachable) Pause(2 * interval);
     std::printf("\n--- %s ping statistics ---\n%lld packets transmitted, %lld packets received, %s packet loss\n", address.c_str(),
                 *packets, reachable ? *packets : 0, reachable ? "0%" : "100%");
     return reachable ? 0 : 1;

@@ -20,6 +20,8 @@
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
 #include "network/NetworkWindow.hpp"
+#include "network/RestartNetworkDialog.hpp"
+#include "network/TestDialog.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/RestoreDialog.hpp"
 #include "system/TroubleShootingWindow.hpp"
@@ -298,10 +300,11 @@ void GeneralWindow::RunEntry(uint32_t id)
     switch (id) {
     case Ids::RestartManagementNetwork:
         try {
-            if (!FindManagementInterface()) {
+            const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface();
+            if (!nic)
                 MessageDialog(this, Ids::RestartNetworkError, Ids::InterfaceNotFound).RunModal();
-            }
-            // The restart dialog for a found interface runs here.
+            else
+                RestartNetworkDialog(this, nic.get()).RunModal();
         } catch (const KeelsonException&) {
             MessageDialog(this, Ids::RestartNetworkError, Ids::InterfaceOperationFailed).RunModal();
         }
@@ -332,7 +335,10 @@ void GeneralWindow::RunEntry(uint32_t id)
         NetworkWindow(this).RunModal();
         Draw();
         break;
-    case Ids::TestManagementNetwork:      // network test dialog
+    case Ids::TestManagementNetwork:
+        TestDialog(this).RunModal();
+        Draw();
+        break;
     case Ids::NetworkRestoreOptions:      // network restore window
     default:
         break;

@@ -28,6 +28,7 @@ TEST(FieldFilters, LetInTheirOwnCharactersOnly)
         {Filters::HostName, "host name", "azAZ09-.", "_ ,:/"},
         {Filters::Suffixes, "suffixes", "az09-., ", "_:/;"},
         {Filters::Printable, "printable", "a Z~_", "\t\n\x7f"},
+        {Filters::Visible, "visible", "aZ~_.", " \t\n\x7f"},
     };
     for (const Row& row : rows) {
         for (char c : row.allowed)
