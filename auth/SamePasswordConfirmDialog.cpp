@@ -20,13 +20,7 @@ bool SamePasswordConfirmDialog::Execute()
     SetTitle(CatalogueText(Ids::PasswordWarningTitle));
     SetMessage(CatalogueText(Ids::SamePassword));
     SetFooter(Footers::kConfirmCancel);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Enter)
-            return true;
-        if (key == Keys::Escape)
-            return false;
-    }
+    return AwaitAnswer(Keys::Enter);
 }
 
 } // namespace Lanyx

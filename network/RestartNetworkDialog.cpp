@@ -26,15 +26,10 @@ bool RestartNetworkDialog::Execute()
     SetMessage(CatalogueText(Ids::RestartNetworkConfirmMessage));
     questionText->SetText(CatalogueText(Ids::RestartNetworkQuestion));
     SetFooter(Footers::kF11OkCancel);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::F11) {
-            DoRestartNetworkDialog(this, interface).RunModal();
-            return true;
-        }
-        if (key == Keys::Escape)
-            return false;
-    }
+    if (!AwaitAnswer(Keys::F11))
+        return false;
+    DoRestartNetworkDialog(this, interface).RunModal();
+    return true;
 }
 
 } // namespace Lanyx

@@ -25,13 +25,7 @@ bool UsedAdaptersDialog::Execute()
     SetMessage(CatalogueText(Ids::AdaptersInUse));
     SetFooter(Footers::kOkCancel);
     text.SetText(CatalogueText(Ids::RemoveAdaptersQuestion));
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Enter)
-            return true;
-        if (key == Keys::Escape)
-            return false;
-    }
+    return AwaitAnswer(Keys::Enter);
 }
 
 } // namespace Lanyx

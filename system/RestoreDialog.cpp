@@ -36,13 +36,8 @@ bool RestoreDialog::Execute()
     SetMessage(CatalogueText(Ids::ResetConfirmMessage));
     questionText->SetText(CatalogueText(Ids::ResetQuestion));
     SetFooter(Footers::kF11OkCancel);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Escape)
-            return false;
-        if (key == Keys::F11)
-            break;
-    }
+    if (!AwaitAnswer(Keys::F11))
+        return false;
 
     Log(LOG_INFO, "Restoring factory defaults");
     PostEvent(Events::restoreFactoryDefaults);

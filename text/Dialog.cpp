@@ -1,5 +1,6 @@
 #include "text/Dialog.hpp"
 
+#include "core/Keys.hpp"
 #include "text/ColorRoles.hpp"
 
 namespace Lanyx {
@@ -43,6 +44,16 @@ void Dialog::SetMessage(const std::string& text) {
 
 void Dialog::SetFooter(const std::string& text) {
     footerText->SetText(text);
+}
+
+bool Dialog::AwaitAnswer(int acceptKey) {
+    for (;;) {
+        const int key = ReadKey(true);
+        if (key == acceptKey)
+            return true;
+        if (key == Keys::Escape)
+            return false;
+    }
 }
 
 } // namespace Lanyx

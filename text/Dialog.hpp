@@ -20,6 +20,9 @@ public:
     void SetMessage(const std::string& text);
     void SetFooter(const std::string& text);
 
+    // Reads keys until `acceptKey` (true) or Escape (false); every other key does nothing.
+    bool AwaitAnswer(int acceptKey);
+
     Window* GetTitlePane() const { return titlePane; }
     Window* GetBodyPane() const { return bodyPane; }
     // Null when the body is too low for one.
