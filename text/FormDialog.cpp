@@ -53,6 +53,11 @@ bool Printable(int key)
     return IsByte(key) && std::isprint(key);
 }
 
+bool Visible(int key)
+{
+    return IsByte(key) && std::isgraph(key);
+}
+
 bool Digits(int key)
 {
     return IsByte(key) && std::isdigit(key);
@@ -112,6 +117,8 @@ void FormDialog::ShowItems()
 bool FormDialog::Execute()
 {
     const CursorGuard cursor;
+    if (!Prepare())
+        return false;
     Open();
     Redraw();
     for (;;) {
@@ -164,6 +171,7 @@ bool FormDialog::EditSelectedField(int key)
     if (!field || !FieldTakes(*field, key))
         return false;
     field->HandleKey(key);
+    FieldEdited(*field);
     Redraw();
     return true;
 }

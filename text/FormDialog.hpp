@@ -22,6 +22,7 @@ bool IsEditKey(int key);
 using FieldFilter = bool (*)(int key);
 namespace Filters {
 bool Printable(int key);   // any printable byte: names, passwords
+bool Visible(int key);     // printable but no blank: a name to look up
 bool Digits(int key);      // numbers: VLAN ids, time-outs
 bool Ipv4(int key);        // digits and "."
 bool IpAddress(int key);   // hexadecimal digits, "." and ":": IPv4 or IPv6
@@ -57,6 +58,9 @@ protected:
     InputItem* AddField(std::string label, std::string value, int fieldWidth, FieldFilter filter);
     void ShowItems();
 
+    // Before anything of a run is shown: gathers what the form lists from the host. False ends
+    // the run at once with false (the reason is logged where it was found).
+    virtual bool Prepare() { return true; }
     // Start of a run: title, message, footer, the first selection. The list is drawn after it.
     virtual void Open() = 0;
     // One key that the selected field did not take. The base moves with Up and Down, leaves
@@ -66,6 +70,8 @@ protected:
     virtual bool Accept() { return true; }
     // Whether the selected field may take `key` now; a form can lock a field (false).
     virtual bool FieldTakes(const InputItem& field, int key) const;
+    // After `field` took a key, before the list is drawn again.
+    virtual void FieldEdited(InputItem& /*field*/) {}
 
     // A value refused: its field is selected, a message names the rule, the form is redrawn.
     void Reject(uint32_t ordinal, uint32_t titleId, uint32_t messageId);

@@ -16,6 +16,7 @@
 #include "keelson/Lib.hpp"
 #include "keelson/Network.hpp"
 #include "keelson/System.hpp"
+#include "restore/NetworkRestoreWindow.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/menu/SupportPages.hpp"
 #include "text/CatalogueIds.hpp"
@@ -301,11 +302,14 @@ void GeneralWindow::RunEntry(uint32_t id)
         }
         Draw();
         break;
+    case Ids::NetworkRestoreOptions:
+        NetworkRestoreWindow(this).RunModal();
+        Draw();
+        break;
     case Ids::ConfigurePassword:           // change password dialog
     case Ids::ConfigureLockdownMode:           // lockdown dialog; refreshes lockdownEnabled when it changed the mode
     case Ids::ConfigureManagementNetwork:   // network window
     case Ids::TestManagementNetwork:        // network test dialog
-    case Ids::NetworkRestoreOptions:     // network restore window
     case Ids::TroubleshootingOptions:    // troubleshooting window
     case Ids::ResetSystemConfiguration: // reset dialog
     case Ids::ConfigureKeyboard:           // keyboard layout dialog
