@@ -13,16 +13,16 @@ namespace Lanyx {
 
 namespace {
 
-constexpr const char* kHeader = "    {align:padding:20}Device Name{/align}{align:padding:10}Uplinks{/align}"
-                                "{align:padding:15}Port Groups{/align}{align:padding:12}Used Ports{/align}"
-                                "{align:padding:16}Configured Ports{/align}";
+constexpr const char* kHeader =
+    "    {align:padding:20}Device Name{/align}{align:padding:10}Uplinks{/align}"
+    "{align:padding:15}Port Groups{/align}{align:padding:12}Used Ports{/align}"
+    "{align:padding:16}Configured Ports{/align}";
 // The switch rows follow the name field and the header.
 constexpr uint32_t kFirstSwitchOrdinal = 1;
 
 } // namespace
 
-CreatePortGroupDialog::CreatePortGroupDialog(Frame* owner) : FormDialog(owner, 78, 15, 6)
-{
+CreatePortGroupDialog::CreatePortGroupDialog(Frame* owner) : FormDialog(owner, 78, 15, 6) {
     if (!GatherStandardSwitches(switches))
         return;
     if (switches.empty()) {
@@ -40,15 +40,13 @@ CreatePortGroupDialog::CreatePortGroupDialog(Frame* owner) : FormDialog(owner, 7
     ready = true;
 }
 
-void CreatePortGroupDialog::Open()
-{
+void CreatePortGroupDialog::Open() {
     SetTitle(CatalogueText(Ids::CreatePortGroupEntry));
     SetMessage(CatalogueText(Ids::CreatePortGroupMessage));
     SetFooter(Footers::kDetailsToggleOkCancel);
 }
 
-FormDialog::KeyResult CreatePortGroupDialog::HandleKey(int key)
-{
+FormDialog::KeyResult CreatePortGroupDialog::HandleKey(int key) {
     const uint32_t line = list->GetSelectedOrdinal();
     if (line < kFirstSwitchOrdinal || (key != ' ' && key != 'd' && key != 'D'))
         return FormDialog::HandleKey(key);
@@ -61,17 +59,18 @@ FormDialog::KeyResult CreatePortGroupDialog::HandleKey(int key)
     return KeyResult::Continue;
 }
 
-bool CreatePortGroupDialog::Accept()
-{
+bool CreatePortGroupDialog::Accept() {
     const std::string name = nameItem->GetValue();
     if (name.empty()) {
-        NotificationDialog(this, 43, 8, 5, CatalogueText(Ids::InvalidArgument), CatalogueText(Ids::InvalidPortGroupName))
+        NotificationDialog(this, 43, 8, 5, CatalogueText(Ids::InvalidArgument),
+                           CatalogueText(Ids::InvalidPortGroupName))
             .RunModal();
         Redraw();
         return false;
     }
     if (!AddXbarPortGroup(name, switches.at(group->Selected()).name)) {
-        NotificationDialog(this, 51, 8, 5, CatalogueText(Ids::OperationFailed), CatalogueText(Ids::CheckSyslog))
+        NotificationDialog(this, 51, 8, 5, CatalogueText(Ids::OperationFailed),
+                           CatalogueText(Ids::CheckSyslog))
             .RunModal();
         Redraw();
         return false;

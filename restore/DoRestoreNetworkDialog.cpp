@@ -16,17 +16,17 @@ namespace Lanyx {
 namespace {
 
 // The blank stands behind the closing tag, as the box has always shown it.
-constexpr const char* kFooter = "{align:right}{color:black}<Enter>{/color}{color:dark-grey} OK{/color}{/align}";
+constexpr const char* kFooter =
+    "{align:right}{color:black}<Enter>{/color}{color:dark-grey} OK{/color}{/align}";
 
 } // namespace
 
-DoRestoreNetworkDialog::DoRestoreNetworkDialog(Frame* owner) : Dialog(owner, 60, 12, 6)
-{
-    progress = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1);
+DoRestoreNetworkDialog::DoRestoreNetworkDialog(Frame* owner) : Dialog(owner, 60, 12, 6) {
+    progress = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(),
+                            contentWindow->GetHeight(), -1);
 }
 
-bool DoRestoreNetworkDialog::Execute()
-{
+bool DoRestoreNetworkDialog::Execute() {
     TesselCtl::Network::NetworkInfoImpl network;
     const TesselCtl::Resource::ResourceInfoImpl resources;
     SetTitle(CatalogueText(Ids::RestoreNetworkTitle));

@@ -10,18 +10,19 @@ namespace Lanyx {
 
 namespace KN = Keelson::Network;
 
-bool GatherPortGroups(std::vector<PortGroupInfo>& rows)
-{
+bool GatherPortGroups(std::vector<PortGroupInfo>& rows) {
     return LoggedStep("", [&] {
-        for (const std::unique_ptr<KN::PortGroup>& group : TesselCtl::Network::NetworkInfoImpl().GetAllPortGroups(0))
-            rows.emplace_back(group->GetName(), group->GetPortsetName(), group->GetActiveClients(), group->GetVlanId());
+        for (const std::unique_ptr<KN::PortGroup>& group :
+             TesselCtl::Network::NetworkInfoImpl().GetAllPortGroups(0))
+            rows.emplace_back(group->GetName(), group->GetPortsetName(), group->GetActiveClients(),
+                              group->GetVlanId());
     });
 }
 
-bool GatherTesselNics(std::vector<TesselNicInfo>& rows)
-{
+bool GatherTesselNics(std::vector<TesselNicInfo>& rows) {
     return LoggedStep("Gathering Tessel NIC list failed: ", [&] {
-        for (const std::unique_ptr<KN::NetworkInterface>& nic : TesselCtl::Network::TesselNicInfoImpl().GetTesselNics(0)) {
+        for (const std::unique_ptr<KN::NetworkInterface>& nic :
+             TesselCtl::Network::TesselNicInfoImpl().GetTesselNics(0)) {
             const std::unique_ptr<KN::ConnectionPoint> point(nic->GetConnectionPoint());
             std::string name = nic->GetInterfaceName();
             std::string mac = nic->GetMacAddress().GetStringAddress();
@@ -31,7 +32,8 @@ bool GatherTesselNics(std::vector<TesselNicInfo>& rows)
             std::string portgroup = "N/A";
             if (point && point->GetConnecteeType() == KN::CONNECTEE_PORTGROUP)
                 portgroup = point->GetPortGroupName();
-            rows.emplace_back(std::move(name), std::move(mac), std::move(portset), std::move(portgroup));
+            rows.emplace_back(std::move(name), std::move(mac), std::move(portset),
+                              std::move(portgroup));
         }
     });
 }

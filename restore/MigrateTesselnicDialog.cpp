@@ -14,10 +14,12 @@ namespace Lanyx {
 
 namespace {
 
-constexpr const char* kFooter =
-    "{align:left}{color:black}<D>{/color} {color:dark-grey}View Details{/color}  {color:black}<Left/Right>{/color} "
-    "{color:dark-grey}Change Selection{/color}  {/align}{align:right}  {color:black}<Enter>{/color} "
-    "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+constexpr const char* kFooter = "{align:left}{color:black}<D>{/color} {color:dark-grey}View "
+                                "Details{/color}  {color:black}<Left/Right>{/color} "
+                                "{color:dark-grey}Change Selection{/color}  {/align}{align:right}  "
+                                "{color:black}<Enter>{/color} "
+                                "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
+                                "{color:dark-grey}Cancel{/color}{/align}";
 
 // A stopped agent is started again on every way out of the move, an idle time-out included.
 class AgentRestart {
@@ -33,8 +35,7 @@ private:
 
 } // namespace
 
-MigrateTesselnicDialog::MigrateTesselnicDialog(Frame* owner) : FormDialog(owner, 85, 15, 6)
-{
+MigrateTesselnicDialog::MigrateTesselnicDialog(Frame* owner) : FormDialog(owner, 85, 15, 6) {
     std::vector<PortGroupInfo> portGroups;
     std::vector<TesselNicInfo> nics;
     if (!GatherPortGroups(portGroups) || !GatherTesselNics(nics))
@@ -54,23 +55,20 @@ MigrateTesselnicDialog::MigrateTesselnicDialog(Frame* owner) : FormDialog(owner,
     ready = true;
 }
 
-bool MigrateTesselnicDialog::Prepare()
-{
+bool MigrateTesselnicDialog::Prepare() {
     if (!ready && !missing.empty()) {
         NotificationDialog(this, 51, 8, 5, CatalogueText(Ids::OperationFailed), missing).RunModal();
     }
     return ready;
 }
 
-void MigrateTesselnicDialog::Open()
-{
+void MigrateTesselnicDialog::Open() {
     SetTitle(CatalogueText(Ids::MigrateNicEntry));
     SetMessage(CatalogueText(Ids::MigrateNicMessage));
     SetFooter(kFooter);
 }
 
-FormDialog::KeyResult MigrateTesselnicDialog::HandleKey(int key)
-{
+FormDialog::KeyResult MigrateTesselnicDialog::HandleKey(int key) {
     const bool onPortGroups = list->GetSelectedOrdinal() == 0;
     switch (key) {
     case Keys::Left:
@@ -90,13 +88,13 @@ FormDialog::KeyResult MigrateTesselnicDialog::HandleKey(int key)
     return KeyResult::Continue;
 }
 
-bool MigrateTesselnicDialog::Accept()
-{
+bool MigrateTesselnicDialog::Accept() {
     const std::string portGroup = portGroupItem->Current().Name();
     const std::string nic = nicItem->Current().Name();
     const AgentRestart agent;
     if (!GridmeshCfgMove(portGroup, nic)) {
-        NotificationDialog(this, 51, 8, 5, CatalogueText(Ids::OperationFailed), CatalogueText(Ids::CheckSyslog))
+        NotificationDialog(this, 51, 8, 5, CatalogueText(Ids::OperationFailed),
+                           CatalogueText(Ids::CheckSyslog))
             .RunModal();
         Redraw();
         return false;

@@ -14,14 +14,18 @@ namespace Lanyx {
 
 namespace {
 
-constexpr const char* kCreateFooter = "{color:white}<Enter>{/color} {color:light-grey}Create{align:right}"
-                                      "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
-constexpr const char* kMigrateFooter = "{color:white}<Enter>{/color} {color:light-grey}Migrate{align:right}"
-                                       "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
-constexpr const char* kRestartFooter = "{color:white}<Enter>{/color} {color:light-grey}Restart{align:right}"
-                                       "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
-constexpr const char* kRestoreFooter = "{color:white}<Enter>{/color} {color:light-grey}Restore{/color}{align:right}"
-                                       "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
+constexpr const char* kCreateFooter =
+    "{color:white}<Enter>{/color} {color:light-grey}Create{align:right}"
+    "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
+constexpr const char* kMigrateFooter =
+    "{color:white}<Enter>{/color} {color:light-grey}Migrate{align:right}"
+    "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
+constexpr const char* kRestartFooter =
+    "{color:white}<Enter>{/color} {color:light-grey}Restart{align:right}"
+    "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
+constexpr const char* kRestoreFooter =
+    "{color:white}<Enter>{/color} {color:light-grey}Restore{/color}{align:right}"
+    "{color:white}<Esc>{/color} {color:light-grey}Exit{/color}{/align}";
 
 struct EntryPane {
     uint32_t id;
@@ -41,8 +45,7 @@ constexpr EntryPane kPanes[] = {
 } // namespace
 
 NetworkRestoreWindow::NetworkRestoreWindow(Frame* owner)
-    : MenuWindow(owner, Ids::NetworkRestoreTitle, Footers::kMenuSelect)
-{
+    : MenuWindow(owner, Ids::NetworkRestoreTitle, Footers::kMenuSelect) {
     // Asked once: the menu shows what held when it opened.
     const bool fabricInUse = IsFabricInUse();
     const bool agentUsable = GridmeshAgentUsable();
@@ -55,14 +58,12 @@ NetworkRestoreWindow::NetworkRestoreWindow(Frame* owner)
     ShowEntries();
 }
 
-void NetworkRestoreWindow::UpdateContent()
-{
+void NetworkRestoreWindow::UpdateContent() {
     MenuWindow::UpdateContent();
     SetRightFooter(Footers::kChangeExit);
 }
 
-void NetworkRestoreWindow::ShowSelectedEntry()
-{
+void NetworkRestoreWindow::ShowSelectedEntry() {
     const uint32_t id = GetSelectedEntry();
     SetRightTitle(CatalogueText(id));
     detailText->SetText("");
@@ -77,8 +78,7 @@ void NetworkRestoreWindow::ShowSelectedEntry()
     SetLeftFooter(Footers::kMenuSelect);
 }
 
-void NetworkRestoreWindow::RunEntry(uint32_t id)
-{
+void NetworkRestoreWindow::RunEntry(uint32_t id) {
     switch (id) {
     case Ids::CreateSwitchEntry:
         // NEW-SWITCH FORM: CreateXbsDialog(this).RunModal(); plugs in here once it exists.

@@ -7,8 +7,7 @@ namespace Lanyx {
 
 NoUplinksDialog::NoUplinksDialog(Frame* owner) : Dialog(owner, 60, 10, 5) {}
 
-bool NoUplinksDialog::Execute()
-{
+bool NoUplinksDialog::Execute() {
     SetTitle(CatalogueText(Ids::NoFabricUplinksTitle));
     SetMessage(CatalogueText(Ids::NoFabricUplinks));
     SetFooter(Footers::kOk);

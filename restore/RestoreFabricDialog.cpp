@@ -25,8 +25,7 @@ constexpr uint32_t kUplinksLine = 1;
 constexpr uint32_t kVlanLine = 2;
 
 // Every property of the old port the new one takes over, in the order the library expects them.
-void ClonePort(const KN::FabricPort& from, KN::FabricPort& to)
-{
+void ClonePort(const KN::FabricPort& from, KN::FabricPort& to) {
     to.SetBlocked(from.GetBlocked());
     to.SetTxUplink(from.GetTxUplink());
     to.SetTeamingPolicy(from.GetTeamingPolicy());
@@ -43,8 +42,7 @@ void ClonePort(const KN::FabricPort& from, KN::FabricPort& to)
 }
 
 // Explicit failover over the chosen uplinks, everything else inherited from the port group.
-KN::FabricPortTeamPolicy TeamOver(const std::vector<std::string>& uplinks)
-{
+KN::FabricPortTeamPolicy TeamOver(const std::vector<std::string>& uplinks) {
     KN::FabricPortTeamPolicy team;
     team.policy = 3;
     team.notifySwitches = 1;
@@ -57,8 +55,7 @@ KN::FabricPortTeamPolicy TeamOver(const std::vector<std::string>& uplinks)
 
 } // namespace
 
-RestoreFabricDialog::RestoreFabricDialog(Frame* owner) : FormDialog(owner, 78, 15, 6)
-{
+RestoreFabricDialog::RestoreFabricDialog(Frame* owner) : FormDialog(owner, 78, 15, 6) {
     std::string interfaceName;
     std::string portId;
     uint16_t vlan = 0;
@@ -88,19 +85,18 @@ RestoreFabricDialog::RestoreFabricDialog(Frame* owner) : FormDialog(owner, 78, 1
     Add(std::make_unique<LabelItem>("Current FabricPort - " + portId, false));
     unblockItem = Add(std::make_unique<CheckItem>(CatalogueText(Ids::RestoreBlocked), false));
     Add(std::make_unique<LabelItem>(CatalogueText(Ids::SelectFabricUplinks), true));
-    vlanItem = AddField(CatalogueText(Ids::InvalidFabricVlan), std::to_string(vlan), 5, Filters::Digits);
+    vlanItem =
+        AddField(CatalogueText(Ids::InvalidFabricVlan), std::to_string(vlan), 5, Filters::Digits);
 }
 
-void RestoreFabricDialog::Open()
-{
+void RestoreFabricDialog::Open() {
     SetTitle(CatalogueText(Ids::RestoreFabricTitle));
     SetMessage(CatalogueText(Ids::RestoreFabricMessage));
     ShowItems();
     SetFooter(Footers::kF11OkCancel);
 }
 
-FormDialog::KeyResult RestoreFabricDialog::HandleKey(int key)
-{
+FormDialog::KeyResult RestoreFabricDialog::HandleKey(int key) {
     const uint32_t line = list->GetSelectedOrdinal();
     switch (key) {
     case ' ':
@@ -128,8 +124,7 @@ FormDialog::KeyResult RestoreFabricDialog::HandleKey(int key)
     }
 }
 
-std::vector<std::string> RestoreFabricDialog::GatherUplinks()
-{
+std::vector<std::string> RestoreFabricDialog::GatherUplinks() {
     std::vector<std::string> uplinks;
     if (!port) {
         Log(LOG_ERR, "Unable to get fabric");
@@ -150,8 +145,7 @@ std::vector<std::string> RestoreFabricDialog::GatherUplinks()
     return uplinks;
 }
 
-void RestoreFabricDialog::ChooseUplinks()
-{
+void RestoreFabricDialog::ChooseUplinks() {
     const std::vector<std::string> uplinks = GatherUplinks();
     if (uplinks.empty()) {
         NoUplinksDialog(this).RunModal();
@@ -162,8 +156,7 @@ void RestoreFabricDialog::ChooseUplinks()
         selectedUplinks = choice.GetSelected();
 }
 
-void RestoreFabricDialog::RestorePort()
-{
+void RestoreFabricDialog::RestorePort() {
     if (!port) {
         Log(LOG_ERR, "Unable to get fabric");
         return;
@@ -174,7 +167,8 @@ void RestoreFabricDialog::RestorePort()
         return;
     }
     std::srand(static_cast<unsigned>(std::time(nullptr)));
-    const std::string suffix = Keelson::Misc::StrPrintf("#%ld", static_cast<long>(std::rand() % 100000));
+    const std::string suffix =
+        Keelson::Misc::StrPrintf("#%ld", static_cast<long>(std::rand() % 100000));
     const std::string newId = HostLocalPortId(port->GetFabricPortId(), suffix);
     const KN::FabricPortParam param{port->GetFabricId(), newId, 1};
 

@@ -10,18 +10,18 @@ namespace Lanyx {
 
 namespace {
 
-constexpr const char* kFooter = "{color:black}<F11>{/color} {color:dark-grey}Yes, Reset{/color}{align:right}"
-                                "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+constexpr const char* kFooter =
+    "{color:black}<F11>{/color} {color:dark-grey}Yes, Reset{/color}{align:right}"
+    "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 
 } // namespace
 
-RestoreNetworkDialog::RestoreNetworkDialog(Frame* owner) : Dialog(owner, 60, 12, 6)
-{
-    question = new TextArea(contentWindow, 3, 0, contentWindow->GetWidth() - 6, contentWindow->GetHeight(), -1);
+RestoreNetworkDialog::RestoreNetworkDialog(Frame* owner) : Dialog(owner, 60, 12, 6) {
+    question = new TextArea(contentWindow, 3, 0, contentWindow->GetWidth() - 6,
+                            contentWindow->GetHeight(), -1);
 }
 
-bool RestoreNetworkDialog::Execute()
-{
+bool RestoreNetworkDialog::Execute() {
     SetTitle(CatalogueText(Ids::RestoreNetworkConfirmTitle));
     SetMessage(CatalogueText(Ids::RestoreNetworkConfirmMessage));
     question->SetText(CatalogueText(Ids::RestoreNetworkQuestion));

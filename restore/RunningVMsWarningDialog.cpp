@@ -7,8 +7,7 @@ namespace Lanyx {
 
 RunningVMsWarningDialog::RunningVMsWarningDialog(Frame* owner) : Dialog(owner, 60, 10, 7) {}
 
-bool RunningVMsWarningDialog::Execute()
-{
+bool RunningVMsWarningDialog::Execute() {
     SetTitle(CatalogueText(Ids::GuestsRunningTitle));
     SetMessage(CatalogueText(Ids::GuestsRunning));
     SetFooter(Footers::kConfirmCancel);

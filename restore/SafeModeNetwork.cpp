@@ -18,8 +18,7 @@ using Keelson::Lib::KeelsonException;
 // A library that calls every name taken would otherwise keep the console turning for ever.
 constexpr int kNameTries = 100000;
 
-std::string FirstFree(const std::string& stem, int first, const NameTaken& taken)
-{
+std::string FirstFree(const std::string& stem, int first, const NameTaken& taken) {
     for (int number = first; number < first + kNameTries; ++number) {
         std::string name = stem + std::to_string(number);
         if (!taken(name))
@@ -30,18 +29,15 @@ std::string FirstFree(const std::string& stem, int first, const NameTaken& taken
 
 } // namespace
 
-std::string FreeSwitchName(const NameTaken& taken)
-{
+std::string FreeSwitchName(const NameTaken& taken) {
     return FirstFree("xbar", 0, taken);
 }
 
-std::string FreePortGroupName(const NameTaken& taken)
-{
+std::string FreePortGroupName(const NameTaken& taken) {
     return FirstFree("Management Network", 1, taken);
 }
 
-void MoveUplink(KN::PortGroup& portGroup, const std::string& uplink)
-{
+void MoveUplink(KN::PortGroup& portGroup, const std::string& uplink) {
     LoggedStep("Moving uplink " + uplink + " failed: ", [&] {
         DetachUplink(uplink);
         std::unique_ptr<KN::VirtualSwitch> sw(portGroup.GetVirtualSwitch());
@@ -52,8 +48,7 @@ void MoveUplink(KN::PortGroup& portGroup, const std::string& uplink)
     });
 }
 
-void MoveToStandardSwitch()
-{
+void MoveToStandardSwitch() {
     std::unique_ptr<KN::NetworkInterface> nic;
     bool disabled = false;
     const bool moved = LoggedStep("Changing to legacy virtual switch failed: ", [&] {
@@ -75,11 +70,13 @@ void MoveToStandardSwitch()
 
         TesselCtl::Network::VirtualSwitchInfoImpl switches;
         std::unique_ptr<KN::VirtualSwitch> newSwitch(switches.AddVirtualSwitch(
-            FreeSwitchName(TesselCtl::Network::PortsetImpl::IsValidVirtualSwitch), KN::Portset::DEF_NUM_PORTS));
-        std::unique_ptr<KN::PortGroup> portGroup(
-            newSwitch->AddPortGroup(FreePortGroupName(TesselCtl::Network::PortGroupImpl::IsValidPortGroup)));
+            FreeSwitchName(TesselCtl::Network::PortsetImpl::IsValidVirtualSwitch),
+            KN::Portset::DEF_NUM_PORTS));
+        std::unique_ptr<KN::PortGroup> portGroup(newSwitch->AddPortGroup(
+            FreePortGroupName(TesselCtl::Network::PortGroupImpl::IsValidPortGroup)));
 
-        for (const std::unique_ptr<KN::NetworkInterface>& each : TesselCtl::Network::TesselNicInfoImpl().GetTesselNics(0)) {
+        for (const std::unique_ptr<KN::NetworkInterface>& each :
+             TesselCtl::Network::TesselNicInfoImpl().GetTesselNics(0)) {
             disabled = true;
             each->Disable();
         }
@@ -92,9 +89,10 @@ void MoveToStandardSwitch()
     // The other interfaces stay off, but a failed move must not strand the host without its
     // management interface as well.
     if (!moved && nic && disabled) {
-        GuardedStep([&] { nic->Enable(); }, [](const KeelsonException& e) {
-            Log(LOG_ERR, "Enabling the management interface failed: %s", e.what());
-        });
+        GuardedStep([&] { nic->Enable(); },
+                    [](const KeelsonException& e) {
+                        Log(LOG_ERR, "Enabling the management interface failed: %s", e.what());
+                    });
     }
 }
 

@@ -7,13 +7,12 @@
 
 namespace Lanyx {
 
-SafeModeNetworkDialog::SafeModeNetworkDialog(Frame* owner) : Dialog(owner, 60, 12, 7)
-{
-    question = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1);
+SafeModeNetworkDialog::SafeModeNetworkDialog(Frame* owner) : Dialog(owner, 60, 12, 7) {
+    question = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(),
+                            contentWindow->GetHeight(), -1);
 }
 
-bool SafeModeNetworkDialog::Execute()
-{
+bool SafeModeNetworkDialog::Execute() {
     SetTitle(CatalogueText(Ids::RestoreSwitchTitle));
     SetMessage(CatalogueText(Ids::RestoreSwitchMessage));
     question->SetText(CatalogueText(Ids::RestoreSwitchQuestion));

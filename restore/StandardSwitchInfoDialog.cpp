@@ -9,8 +9,6 @@ namespace Lanyx {
 StandardSwitchInfoDialog::StandardSwitchInfoDialog(Frame* owner, StandardSwitchInfo info)
     : InfoDialog(owner, FormatSwitchDetails(info), owner->CatalogueText(Ids::SwitchDetailsTitle),
                  owner->CatalogueText(Ids::SwitchNameLabel) + info.name, Footers::kOk),
-      info(std::move(info))
-{
-}
+      info(std::move(info)) {}
 
 } // namespace Lanyx

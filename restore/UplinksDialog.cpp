@@ -8,20 +8,20 @@
 
 namespace Lanyx {
 
-UplinksDialog::UplinksDialog(Frame* owner, Keelson::Network::FabricPort* port, std::vector<std::string> selected,
-                             std::vector<std::string> uplinks)
-    : FormDialog(owner, 78, 15, 5), port(port), selected(std::move(selected)), uplinks(std::move(uplinks))
-{
+UplinksDialog::UplinksDialog(Frame* owner, Keelson::Network::FabricPort* port,
+                             std::vector<std::string> selected, std::vector<std::string> uplinks)
+    : FormDialog(owner, 78, 15, 5), port(port), selected(std::move(selected)),
+      uplinks(std::move(uplinks)) {
     CreateList();
     Add(std::make_unique<LabelItem>("    {align:padding:20}Uplink Name{/align}", false));
     for (const std::string& uplink : this->uplinks) {
-        const bool ticked = std::find(this->selected.begin(), this->selected.end(), uplink) != this->selected.end();
+        const bool ticked =
+            std::find(this->selected.begin(), this->selected.end(), uplink) != this->selected.end();
         checks.push_back(Add(std::make_unique<CheckItem>(uplink, ticked)));
     }
 }
 
-bool UplinksDialog::Prepare()
-{
+bool UplinksDialog::Prepare() {
     if (!port) {
         Log(LOG_ERR, "Unable to get fabric");
         return false;
@@ -29,16 +29,14 @@ bool UplinksDialog::Prepare()
     return true;
 }
 
-void UplinksDialog::Open()
-{
+void UplinksDialog::Open() {
     SetTitle(CatalogueText(Ids::FabricUplinksTitle));
     SetMessage(CatalogueText(Ids::FabricUplinksMessage));
     SetFooter(Footers::kToggleOkCancel);
     ShowItems();
 }
 
-FormDialog::KeyResult UplinksDialog::HandleKey(int key)
-{
+FormDialog::KeyResult UplinksDialog::HandleKey(int key) {
     if (key != ' ')
         return FormDialog::HandleKey(key);
     const uint32_t line = list->GetSelectedOrdinal();

@@ -13,8 +13,8 @@ namespace Lanyx {
 class UplinksDialog : public FormDialog {
 public:
     // `port` is the owner's and not owned; `selected` is the earlier choice, ticked at the start.
-    UplinksDialog(Frame* owner, Keelson::Network::FabricPort* port, std::vector<std::string> selected,
-                  std::vector<std::string> uplinks);
+    UplinksDialog(Frame* owner, Keelson::Network::FabricPort* port,
+                  std::vector<std::string> selected, std::vector<std::string> uplinks);
 
     // The choice, meaningful after a true run.
     const std::vector<std::string>& GetSelected() const { return selected; }

@@ -5,13 +5,12 @@
 
 namespace Lanyx {
 
-UsedUplinksDialog::UsedUplinksDialog(Frame* owner) : Dialog(owner, 60, 10, 5)
-{
-    question = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1);
+UsedUplinksDialog::UsedUplinksDialog(Frame* owner) : Dialog(owner, 60, 10, 5) {
+    question = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(),
+                            contentWindow->GetHeight(), -1);
 }
 
-bool UsedUplinksDialog::Execute()
-{
+bool UsedUplinksDialog::Execute() {
     SetTitle(CatalogueText(Ids::FabricUplinksWarningTitle));
     SetMessage(CatalogueText(Ids::NoUplinksSelected));
     question->SetText(CatalogueText(Ids::ContinueQuestion));

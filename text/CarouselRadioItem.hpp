@@ -11,41 +11,36 @@
 
 namespace Lanyx {
 
-template <class Row, class Details, class = void>
-class CarouselRadioItem;
+template <class Row, class Details, class = void> class CarouselRadioItem;
 
-template <class Row, class Details>
-class CarouselRadioItem<Row, Details, void> : public LabelItem {
+template <class Row, class Details> class CarouselRadioItem<Row, Details, void> : public LabelItem {
 public:
     // `owner` owns the details dialogs while they run; it is not owned here.
     CarouselRadioItem(Frame* owner, std::vector<Row> rows)
-        : LabelItem("", true), owner(owner), rows(std::move(rows))
-    {
+        : LabelItem("", true), owner(owner), rows(std::move(rows)) {
         Refresh();
     }
     ~CarouselRadioItem() override = default;
 
-    void Previous()
-    {
+    void Previous() {
         if (rows.empty())
             return;
         current = current == 0 ? rows.size() - 1 : current - 1;
         Refresh();
     }
-    void Next()
-    {
+    void Next() {
         if (rows.empty())
             return;
         current = current + 1 >= rows.size() ? 0 : current + 1;
         Refresh();
     }
     // Runs the details page of the row shown.
-    void ShowDetails()
-    {
+    void ShowDetails() {
         if (rows.empty())
             return;
         Row& row = rows[current];
-        Details(owner, row.GetDetails(), row.GetDetailsTitle(), row.GetDetailsHeading(), row.GetDetailsFooter())
+        Details(owner, row.GetDetails(), row.GetDetailsTitle(), row.GetDetailsHeading(),
+                row.GetDetailsFooter())
             .RunModal();
     }
 

@@ -4,12 +4,13 @@
 
 namespace TesselCtl::Resource {
 
-bool ResourceInfoImpl::HasRunningVirtualMachines() const
-{
-    const nlohmann::json state = HostSim::Platform::StateFor({"ResourceInfoImpl::HasRunningVirtualMachines"});
+bool ResourceInfoImpl::HasRunningVirtualMachines() const {
+    const nlohmann::json state =
+        HostSim::Platform::StateFor({"ResourceInfoImpl::HasRunningVirtualMachines"});
     const nlohmann::json guests = state.value("guests", nlohmann::json::array());
     for (const nlohmann::json& guest : guests.is_array() ? guests : nlohmann::json::array())
-        if (guest.is_object() && guest.value("running", false)) return true;
+        if (guest.is_object() && guest.value("running", false))
+            return true;
     return false;
 }
 

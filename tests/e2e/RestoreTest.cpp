@@ -17,17 +17,17 @@ namespace {
 constexpr int kTop = 4, kListColumn = 3;
 const std::string kF11(Keys::F(11));
 
-std::string RightFooter(const Console& console) { return console.Text(22, 41, 37); }
+std::string RightFooter(const Console& console) {
+    return console.Text(22, 41, 37);
+}
 
-bool Greyed(const Console& console, int line)
-{
+bool Greyed(const Console& console, int line) {
     const Cell cell = console.CellAt(kTop + line, kListColumn);
     return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
 }
 
 // Logged in on `profile` with the network restore menu open.
-std::unique_ptr<Session> OpenRestore(const std::string& profile, SessionOptions options = {})
-{
+std::unique_ptr<Session> OpenRestore(const std::string& profile, SessionOptions options = {}) {
     auto s = std::make_unique<Session>(profile, std::move(options));
     EXPECT_TRUE(s->LogIn());
     EXPECT_TRUE(s->OpenEntry("Network Restore Options"));
@@ -36,34 +36,32 @@ std::unique_ptr<Session> OpenRestore(const std::string& profile, SessionOptions 
 }
 
 // Sends a key and waits until the console reads again.
-void Press(Session& s, std::string_view key)
-{
+void Press(Session& s, std::string_view key) {
     ASSERT_TRUE(s.Key(key));
     ASSERT_TRUE(s.Settle());
 }
 
-const json* Named(const json& list, const std::string& name)
-{
+const json* Named(const json& list, const std::string& name) {
     for (const json& entry : list)
-        if (entry.value("name", "") == name) return &entry;
+        if (entry.value("name", "") == name)
+            return &entry;
     return nullptr;
 }
 
-json Management(const json& state)
-{
-    return *Named(state["network"]["interfaces"], state["network"]["managementInterface"].get<std::string>());
+json Management(const json& state) {
+    return *Named(state["network"]["interfaces"],
+                  state["network"]["managementInterface"].get<std::string>());
 }
 
-bool AnyGuestRunning(const json& state)
-{
+bool AnyGuestRunning(const json& state) {
     for (const json& guest : state["guests"])
-        if (guest.value("running", false)) return true;
+        if (guest.value("running", false))
+            return true;
     return false;
 }
 
 // Esc out of the restore menu and the main menu: the welcome screen of the repaired host.
-void BackToWelcome(Session& s)
-{
+void BackToWelcome(Session& s) {
     Press(s, Keys::Escape);
     Press(s, Keys::Escape);
     ASSERT_TRUE(s.AwaitWelcome());
@@ -71,18 +69,24 @@ void BackToWelcome(Session& s)
 
 // ---------------------------------------------------------------- the menu
 
-TEST(Restore, MenuGreysWhatCannotWorkAndSkipsIt)
-{
+TEST(Restore, MenuGreysWhatCannotWorkAndSkipsIt) {
     struct Case {
         std::string profile;
         std::vector<int> greyed;
         Strings walk; // what Down selects from the first entry
     };
     const std::vector<Case> cases = {
-        {"default", {2, 4, 5}, {"Create Port Group", "Restore Network Settings", "Restore Network Settings"}},
-        {"fabric", {2}, {"Create Port Group", "Restore Network Settings", "Restore Standard Switch", "Restore fabric"}},
-        {"gridmesh", {4, 5}, {"Create Port Group", "Migrate Tessel NIC to Standard", "Restore Network Settings",
-                              "Restore Network Settings"}},
+        {"default",
+         {2, 4, 5},
+         {"Create Port Group", "Restore Network Settings", "Restore Network Settings"}},
+        {"fabric",
+         {2},
+         {"Create Port Group", "Restore Network Settings", "Restore Standard Switch",
+          "Restore fabric"}},
+        {"gridmesh",
+         {4, 5},
+         {"Create Port Group", "Migrate Tessel NIC to Standard", "Restore Network Settings",
+          "Restore Network Settings"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.profile);
@@ -90,7 +94,8 @@ TEST(Restore, MenuGreysWhatCannotWorkAndSkipsIt)
         Console& console = s->Screen();
         EXPECT_EQ(s->RightTitle(), "Create Standard Switch");
         EXPECT_EQ(console.Text(1, 3, 30), "Network Restore Options");
-        EXPECT_EQ(RightFooter(console), "<Enter> Change             <Esc> Exit") << console.Describe();
+        EXPECT_EQ(RightFooter(console), "<Enter> Change             <Esc> Exit")
+            << console.Describe();
         EXPECT_EQ(console.Text(22, 2, 37), "<Up/Down> Select");
         for (int line = 0; line < 6; ++line)
             EXPECT_EQ(Greyed(console, line), std::ranges::count(c.greyed, line) == 1) << line;
@@ -120,8 +125,7 @@ TEST(Restore, MenuGreysWhatCannotWorkAndSkipsIt)
 
 // ---------------------------------------------------------------- factory restore
 
-TEST(Restore, FactoryRestoreOfAStrandedHost)
-{
+TEST(Restore, FactoryRestoreOfAStrandedHost) {
     auto s = OpenRestore("fabric-broken");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
@@ -159,37 +163,54 @@ TEST(Restore, FactoryRestoreOfAStrandedHost)
     EXPECT_FALSE(AnyGuestRunning(after));
     EXPECT_FALSE(after["network"]["netDump"]["enabled"]);
     const json nic = Management(after);
-    EXPECT_EQ(nic["connection"], (json{{"type", "portgroup"}, {"portGroup", "Management Network"}}));
+    EXPECT_EQ(nic["connection"],
+              (json{{"type", "portgroup"}, {"portGroup", "Management Network"}}));
     EXPECT_EQ(nic["ipv4"]["mode"], "dhcp");
     EXPECT_EQ(Named(after["portGroups"], "Management Network")->at("switch"), "switch0");
     EXPECT_TRUE(after["fabrics"].empty());
     EXPECT_EQ(host.Messages("user.info").size() >= 3, true);
-    for (const char* line : {"Clearing Network Config", "Auto-Configuring Network", "Restoring factory network settings"})
+    for (const char* line : {"Clearing Network Config", "Auto-Configuring Network",
+                             "Restoring factory network settings"})
         EXPECT_EQ(host.Matching(Record::Syslog, line).size(), 1u) << line;
     EXPECT_EQ(host.Matching(Record::Notad, "nota.user.lanyx.factory.network.restored").size(), 1u);
     BackToWelcome(*s);
     EXPECT_TRUE(console.Find("https://192.168.10.57/ (DHCP)")) << console.Describe();
 }
 
-TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen)
-{
+TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
     struct Case {
         Strings fault;
         bool guests;
-        std::string shown;   // the progress text
-        std::string logged;  // the error line
-        bool cleared;        // the network configuration went
+        std::string shown;  // the progress text
+        std::string logged; // the error line
+        bool cleared;       // the network configuration went
     };
     const std::vector<Case> cases = {
-        {{"tool", "haltGuests", "exit", "1"}, true, "Powering Off VMs. Failed.", "Powering off VMs failed", false},
-        {{"lib", "NetworkInfoImpl::DisableNetDumper", "dump busy"}, true, "Powering Off VMs. Done.\nFailed.",
-         "auto-configuring network failed", false},
-        {{"lib", "NetworkInfoImpl::DisableNetDumper", "dump busy"}, false, "Failed.", "auto-configuring network failed",
+        {{"tool", "haltGuests", "exit", "1"},
+         true,
+         "Powering Off VMs. Failed.",
+         "Powering off VMs failed",
          false},
-        {{"lib", "NetworkInfoImpl::ClearNetworkConfig", "busy"}, false, "Auto-configuring network. Failed.",
-         "auto-configuring network failed", false},
-        {{"lib", "NetworkInfoImpl::AutoConfigNetwork", "no defaults"}, false, "Auto-configuring network. Failed.",
-         "auto-configuring network failed", true},
+        {{"lib", "NetworkInfoImpl::DisableNetDumper", "dump busy"},
+         true,
+         "Powering Off VMs. Done.\nFailed.",
+         "auto-configuring network failed",
+         false},
+        {{"lib", "NetworkInfoImpl::DisableNetDumper", "dump busy"},
+         false,
+         "Failed.",
+         "auto-configuring network failed",
+         false},
+        {{"lib", "NetworkInfoImpl::ClearNetworkConfig", "busy"},
+         false,
+         "Auto-configuring network. Failed.",
+         "auto-configuring network failed",
+         false},
+        {{"lib", "NetworkInfoImpl::AutoConfigNetwork", "no defaults"},
+         false,
+         "Auto-configuring network. Failed.",
+         "auto-configuring network failed",
+         true},
     };
     auto s = OpenRestore("default");
     Console& console = s->Screen();
@@ -197,7 +218,8 @@ TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fault[1]);
         host.Edit([&](json& state) {
-            for (json& guest : state["guests"]) guest["running"] = c.guests;
+            for (json& guest : state["guests"])
+                guest["running"] = c.guests;
         });
         host.Fault({"clear"});
         host.Fault(c.fault);
@@ -220,14 +242,14 @@ TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen)
         }
         Press(*s, Keys::Enter);
         // The records follow in every case.
-        EXPECT_EQ(host.Matching(Record::Notad, "nota.user.lanyx.factory.network.restored").size(), 1u);
+        EXPECT_EQ(host.Matching(Record::Notad, "nota.user.lanyx.factory.network.restored").size(),
+                  1u);
     }
 }
 
 // ---------------------------------------------------------------- safe mode
 
-TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric)
-{
+TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric) {
     auto s = OpenRestore("fabric-broken");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
@@ -249,13 +271,18 @@ TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric)
 
     const json after = host.State();
     const json nic = Management(after);
-    EXPECT_EQ(nic["connection"], (json{{"type", "portgroup"}, {"portGroup", "Management Network1"}}));
+    EXPECT_EQ(nic["connection"],
+              (json{{"type", "portgroup"}, {"portGroup", "Management Network1"}}));
     EXPECT_TRUE(nic["enabled"]);
     EXPECT_FALSE(Named(after["network"]["interfaces"], "tnic1")->at("enabled"));
     EXPECT_EQ(Named(after["switches"], "xbar0")->at("uplinks"), (Strings{"hwport2", "hwport3"}));
     EXPECT_TRUE(after["fabrics"][0]["uplinks"].empty());
-    EXPECT_EQ(host.Matching(Record::Syslog, "Enabling safe mode networking by moving all uplinks to a new management xbar")
-                  .size(), 1u);
+    EXPECT_EQ(
+        host.Matching(
+                Record::Syslog,
+                "Enabling safe mode networking by moving all uplinks to a new management xbar")
+            .size(),
+        1u);
     EXPECT_TRUE(host.Messages("user.err").empty());
     BackToWelcome(*s);
     EXPECT_TRUE(console.Find("https://192.168.10.21/ (STATIC)")) << console.Describe();
@@ -263,8 +290,7 @@ TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric)
 
 // ---------------------------------------------------------------- fabric restore
 
-TEST(Restore, FabricRestoreMakesAHostLocalPort)
-{
+TEST(Restore, FabricRestoreMakesAHostLocalPort) {
     auto s = OpenRestore("fabric-misconfigured");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
@@ -308,7 +334,8 @@ TEST(Restore, FabricRestoreMakesAHostLocalPort)
     ASSERT_TRUE(console.WaitForText("Unable to restore fabric. Check logs for details."));
     Press(*s, Keys::Enter);
     EXPECT_EQ(host.Messages("user.err"),
-              Strings{"Unable to create Host Local Port: Invalid FabricPort vlan specified. Valid range is 0-4094."});
+              Strings{"Unable to create Host Local Port: Invalid FabricPort vlan specified. Valid "
+                      "range is 0-4094."});
     EXPECT_EQ(host.State()["fabrics"], before["fabrics"]);
     EXPECT_EQ(s->RightTitle(), "Restore fabric") << "F11 closes the form whatever came of it";
 
@@ -333,7 +360,8 @@ TEST(Restore, FabricRestoreMakesAHostLocalPort)
     EXPECT_TRUE(id.starts_with("hlp-12#")) << id;
     const json* port = nullptr;
     for (const json& each : after["fabrics"][0]["ports"])
-        if (each["id"] == id) port = &each;
+        if (each["id"] == id)
+            port = &each;
     ASSERT_NE(port, nullptr);
     EXPECT_EQ((*port)["vlan"], 10);
     EXPECT_FALSE((*port)["blocked"]);
@@ -341,16 +369,16 @@ TEST(Restore, FabricRestoreMakesAHostLocalPort)
     json properties = (*port)["properties"];
     EXPECT_EQ(properties["teamPolicy"]["active"], Strings{"uplink2"});
     EXPECT_EQ(properties["teamPolicy"]["policy"], 3);
-    for (const char* key : {"txUplink", "ipfix", "security", "shapingIn", "shapingOut", "persistencePath",
-                            "vendorStrings", "vendorBinary", "overlayParams", "resPools", "resPoolAssoc"})
+    for (const char* key :
+         {"txUplink", "ipfix", "security", "shapingIn", "shapingOut", "persistencePath",
+          "vendorStrings", "vendorBinary", "overlayParams", "resPools", "resPoolAssoc"})
         EXPECT_EQ(properties[key], oldPort["properties"][key]) << key;
     EXPECT_EQ(after["fabrics"][0]["ports"][0], oldPort) << "the old port is left alone";
     BackToWelcome(*s);
     EXPECT_TRUE(console.Find("https://192.168.10.21/ (STATIC)")) << console.Describe();
 }
 
-TEST(Restore, FabricRestoreTakesBackThePortWhenALaterStepFails)
-{
+TEST(Restore, FabricRestoreTakesBackThePortWhenALaterStepFails) {
     auto s = OpenRestore("fabric-misconfigured");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
@@ -392,8 +420,7 @@ TEST(Restore, FabricRestoreTakesBackThePortWhenALaterStepFails)
 
 // ---------------------------------------------------------------- port group
 
-TEST(Restore, CreatePortGroup)
-{
+TEST(Restore, CreatePortGroup) {
     auto s = OpenRestore("default");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
@@ -414,7 +441,8 @@ TEST(Restore, CreatePortGroup)
 
     // Taken, too long for the host: the form stays with its text.
     const json before = host.State();
-    for (const std::string& name : {std::string("VM Network"), std::string(127, 'p'), std::string(128, 'q')}) {
+    for (const std::string& name :
+         {std::string("VM Network"), std::string(127, 'p'), std::string(128, 'q')}) {
         SCOPED_TRACE(name.size());
         ASSERT_TRUE(s->Type(name));
         Press(*s, Keys::Enter);
@@ -424,7 +452,8 @@ TEST(Restore, CreatePortGroup)
         EXPECT_EQ(host.State()["portGroups"], before["portGroups"]);
         Press(*s, Keys::Home);
         Press(*s, Keys::Delete);
-        for (size_t i = 0; i < name.size(); ++i) ASSERT_TRUE(s->Key(Keys::Delete));
+        for (size_t i = 0; i < name.size(); ++i)
+            ASSERT_TRUE(s->Key(Keys::Delete));
     }
     ASSERT_TRUE(s->Type("Storage"));
     Press(*s, Keys::Enter);
@@ -435,12 +464,16 @@ TEST(Restore, CreatePortGroup)
     const json* group = Named(groups, "Storage");
     ASSERT_NE(group, nullptr);
     EXPECT_EQ((*group)["switch"], "switch0");
-    EXPECT_EQ(host.Matching(Record::Syslog, "Command \"ostraq network xbar standard portgroup add -p Storage -v switch0\" "
-                                            "succeeded").size(), 1u);
+    EXPECT_EQ(
+        host.Matching(
+                Record::Syslog,
+                "Command \"ostraq network xbar standard portgroup add -p Storage -v switch0\" "
+                "succeeded")
+            .size(),
+        1u);
 }
 
-TEST(Restore, CreatePortGroupWithoutStandardSwitch)
-{
+TEST(Restore, CreatePortGroupWithoutStandardSwitch) {
     auto s = OpenRestore("no-standard-switch");
     ASSERT_TRUE(s->OpenEntry("Create Port Group"));
     EXPECT_EQ(s->RightTitle(), "Create Port Group") << "the box opens and closes";
@@ -449,8 +482,7 @@ TEST(Restore, CreatePortGroupWithoutStandardSwitch)
 
 // ---------------------------------------------------------------- kernel NIC migration
 
-TEST(Restore, MigrateKernelNic)
-{
+TEST(Restore, MigrateKernelNic) {
     // The migration box is 85 columns wide: it needs a wider terminal than 80.
     auto s = OpenRestore("gridmesh", {.cols = 100});
     Console& console = s->Screen();
@@ -485,12 +517,12 @@ TEST(Restore, MigrateKernelNic)
     const json after = host.State();
     EXPECT_EQ(Management(after)["connection"]["portGroup"], "VM Network");
     EXPECT_TRUE(after["gridmesh"]["running"]);
-    for (const char* line : {"gridmesh-opsagent has been successfully stopped.", "gridmesh-opsagent has been successfully started."})
+    for (const char* line : {"gridmesh-opsagent has been successfully stopped.",
+                             "gridmesh-opsagent has been successfully started."})
         EXPECT_EQ(host.Matching(Record::Syslog, line).size(), 1u) << line;
 }
 
-TEST(Restore, MigrateSaysWhatIsMissing)
-{
+TEST(Restore, MigrateSaysWhatIsMissing) {
     auto s = OpenRestore("no-standard-switch", {.settings = {{"gridmesh-version", "3.2.1"}}});
     s->Host().Edit([](json& state) { state["gridmesh"]["running"] = true; });
     Press(*s, Keys::Escape);

@@ -15,27 +15,28 @@ namespace {
 using nlohmann::json;
 using Strings = std::vector<std::string>;
 
-const json* Named(const json& list, const std::string& name)
-{
+const json* Named(const json& list, const std::string& name) {
     for (const json& entry : list)
-        if (entry.value("name", "") == name) return &entry;
+        if (entry.value("name", "") == name)
+            return &entry;
     return nullptr;
 }
 
 class Repairs : public LanyxTest::HostTest {
 protected:
-    json Nic(const std::string& name) const { return *Named(Host().State()["network"]["interfaces"], name); }
-    Strings FabricUplinks() const
-    {
+    json Nic(const std::string& name) const {
+        return *Named(Host().State()["network"]["interfaces"], name);
+    }
+    Strings FabricUplinks() const {
         Strings names;
         const json uplinks = Host().State()["fabrics"][0]["uplinks"];
-        for (const auto& [name, port] : uplinks.items()) names.push_back(name);
+        for (const auto& [name, port] : uplinks.items())
+            names.push_back(name);
         return names;
     }
 };
 
-TEST_F(Repairs, MoveToStandardSwitchTakesInterfaceAndUplinksOffTheFabric)
-{
+TEST_F(Repairs, MoveToStandardSwitchTakesInterfaceAndUplinksOffTheFabric) {
     Create("fabric-broken");
     MoveToStandardSwitch();
     const json state = Host().State();
@@ -45,13 +46,15 @@ TEST_F(Repairs, MoveToStandardSwitchTakesInterfaceAndUplinksOffTheFabric)
     EXPECT_EQ((*xbar)["portGroups"], Strings{"Management Network1"});
     EXPECT_EQ((*xbar)["teaming"]["uplinkOrder"], (Strings{"hwport2", "hwport3"}));
     EXPECT_EQ((*xbar)["numPorts"], 128);
-    EXPECT_EQ(Nic("tnic0")["connection"], (json{{"type", "portgroup"}, {"portGroup", "Management Network1"}}));
+    EXPECT_EQ(Nic("tnic0")["connection"],
+              (json{{"type", "portgroup"}, {"portGroup", "Management Network1"}}));
     EXPECT_TRUE(Nic("tnic0")["enabled"]);
     EXPECT_FALSE(Nic("tnic1")["enabled"]) << "every other interface stays off";
     EXPECT_EQ(Nic("tnic1")["connection"]["type"], "fabric") << "and keeps its place";
     EXPECT_TRUE(FabricUplinks().empty());
     EXPECT_EQ(Named(state["switches"], "switch0")->at("uplinks"), (Strings{"hwport0", "hwport1"}));
-    EXPECT_TRUE(Host().Messages("user.err").empty()) << ::testing::PrintToString(Host().Messages("user.err"));
+    EXPECT_TRUE(Host().Messages("user.err").empty())
+        << ::testing::PrintToString(Host().Messages("user.err"));
 
     // A second run finds the names taken and leaves the plain name alone.
     MoveToStandardSwitch();
@@ -59,8 +62,7 @@ TEST_F(Repairs, MoveToStandardSwitchTakesInterfaceAndUplinksOffTheFabric)
     EXPECT_EQ(Nic("tnic0")["connection"]["portGroup"], "Management Network2");
 }
 
-TEST_F(Repairs, MoveStopsAtALibraryFailureAndLeavesManagementUp)
-{
+TEST_F(Repairs, MoveStopsAtALibraryFailureAndLeavesManagementUp) {
     struct Case {
         const char* operation;
         bool switchMade;   // the new switch exists afterwards
@@ -93,7 +95,8 @@ TEST_F(Repairs, MoveStopsAtALibraryFailureAndLeavesManagementUp)
         EXPECT_EQ(Nic("tnic1")["enabled"], !c.otherOff);
         EXPECT_EQ(Nic("tnic0")["enabled"], c.managementOn);
         if (c.managementOn) {
-            EXPECT_EQ(Nic("tnic0")["connection"]["type"], "fabric") << "the interface stays where it was";
+            EXPECT_EQ(Nic("tnic0")["connection"]["type"], "fabric")
+                << "the interface stays where it was";
             EXPECT_EQ(FabricUplinks(), (Strings{"hwport2", "hwport3"})) << "no uplink moved";
         } else {
             // Moved whole, but it would not come up; the second try is logged too.
@@ -103,8 +106,7 @@ TEST_F(Repairs, MoveStopsAtALibraryFailureAndLeavesManagementUp)
     }
 }
 
-TEST_F(Repairs, AnUplinkThatFailsToMoveDoesNotStopTheOthers)
-{
+TEST_F(Repairs, AnUplinkThatFailsToMoveDoesNotStopTheOthers) {
     struct Case {
         const char* operation;
         Strings errors;
@@ -112,16 +114,24 @@ TEST_F(Repairs, AnUplinkThatFailsToMoveDoesNotStopTheOthers)
         Strings switchUplinks; // on the new switch
     };
     const std::vector<Case> cases = {
-        {"VirtualSwitch::AddUplink", {"Moving uplink hwport2 failed: boom", "Moving uplink hwport3 failed: boom"}, {}, {}},
+        {"VirtualSwitch::AddUplink",
+         {"Moving uplink hwport2 failed: boom", "Moving uplink hwport3 failed: boom"},
+         {},
+         {}},
         {"VirtualSwitch::SetTeamingPolicy",
-         {"Moving uplink hwport2 failed: boom", "Moving uplink hwport3 failed: boom"}, {}, {"hwport2", "hwport3"}},
+         {"Moving uplink hwport2 failed: boom", "Moving uplink hwport3 failed: boom"},
+         {},
+         {"hwport2", "hwport3"}},
         {"VirtualSwitchInfoImpl::GetFabricSwitches",
-         {"Moving uplink hwport2 failed: boom", "Moving uplink hwport3 failed: boom"}, {"hwport2", "hwport3"}, {}},
+         {"Moving uplink hwport2 failed: boom", "Moving uplink hwport3 failed: boom"},
+         {"hwport2", "hwport3"},
+         {}},
         // A failed detach is dropped; the add then finds the uplink still in use.
         {"FabricSwitch::RemoveUplink",
          {"Moving uplink hwport2 failed: Uplink hwport2 is already in use by fab-prod",
           "Moving uplink hwport3 failed: Uplink hwport3 is already in use by fab-prod"},
-         {"hwport2", "hwport3"}, {}},
+         {"hwport2", "hwport3"},
+         {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.operation);
@@ -134,11 +144,9 @@ TEST_F(Repairs, AnUplinkThatFailsToMoveDoesNotStopTheOthers)
         EXPECT_EQ(Nic("tnic0")["connection"]["portGroup"], "Management Network1");
         EXPECT_TRUE(Nic("tnic0")["enabled"]);
     }
-
 }
 
-TEST_F(Repairs, NoManagementInterfaceChangesNothing)
-{
+TEST_F(Repairs, NoManagementInterfaceChangesNothing) {
     Create("fabric-broken");
     Host().Edit([](json& state) { state["network"]["managementInterface"] = ""; });
     const json before = Host().State();
@@ -148,10 +156,11 @@ TEST_F(Repairs, NoManagementInterfaceChangesNothing)
     EXPECT_EQ(Host().State()["network"], before["network"]);
 }
 
-TEST_F(Repairs, KernelNicAndPortGroupRows)
-{
+TEST_F(Repairs, KernelNicAndPortGroupRows) {
     Create("fabric-broken");
-    Host().Edit([](json& state) { state["network"]["interfaces"][1]["connection"] = {{"type", "none"}}; });
+    Host().Edit([](json& state) {
+        state["network"]["interfaces"][1]["connection"] = {{"type", "none"}};
+    });
     Host().Edit([](json& state) {
         json nic = state["network"]["interfaces"][0];
         nic["name"] = "tnic2";
@@ -167,15 +176,18 @@ TEST_F(Repairs, KernelNicAndPortGroupRows)
         EXPECT_EQ(nics[i].Portset(), expected[i].first) << nics[i].Name();
         EXPECT_EQ(nics[i].Portgroup(), expected[i].second) << nics[i].Name();
     }
-    EXPECT_EQ(nics[0].GetDetails(), "Name: tnic0\nMAC Address: 00:50:56:6a:10:01\nPortset: fab-prod\nPortgroup: N/A");
+    EXPECT_EQ(nics[0].GetDetails(),
+              "Name: tnic0\nMAC Address: 00:50:56:6a:10:01\nPortset: fab-prod\nPortgroup: N/A");
 
     std::vector<PortGroupInfo> groups;
     ASSERT_TRUE(GatherPortGroups(groups));
     ASSERT_EQ(groups.size(), 1u);
-    EXPECT_EQ(groups[0].GetDetails(), "Name: VM Network\nVirtual Switch: switch0\nActive Clients: 2\nVLAN ID: 0");
+    EXPECT_EQ(groups[0].GetDetails(),
+              "Name: VM Network\nVirtual Switch: switch0\nActive Clients: 2\nVLAN ID: 0");
 
-    for (const char* operation : {"TesselNicInfoImpl::GetTesselNics", "TesselNicImpl::GetMacAddress",
-                                  "NetworkInfoImpl::GetAllPortGroups", "PortGroup::GetVlanId"}) {
+    for (const char* operation :
+         {"TesselNicInfoImpl::GetTesselNics", "TesselNicImpl::GetMacAddress",
+          "NetworkInfoImpl::GetAllPortGroups", "PortGroup::GetVlanId"}) {
         Create("default");
         Host().LibFault(operation, "boom");
         std::vector<TesselNicInfo> noNics;
@@ -184,7 +196,8 @@ TEST_F(Repairs, KernelNicAndPortGroupRows)
         const bool groupsRead = GatherPortGroups(noGroups);
         EXPECT_NE(nicsRead, groupsRead) << operation;
         EXPECT_EQ(Host().Messages("user.err"),
-                  Strings{nicsRead ? "boom" : "Gathering Tessel NIC list failed: boom"}) << operation;
+                  Strings{nicsRead ? "boom" : "Gathering Tessel NIC list failed: boom"})
+            << operation;
     }
 }
 
