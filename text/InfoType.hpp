@@ -10,6 +10,9 @@ public:
     InfoType() = default;
     InfoType(const InfoType&) = delete;
     InfoType& operator=(const InfoType&) = delete;
+    // Rows are moved into the lists that show them.
+    InfoType(InfoType&&) = default;
+    InfoType& operator=(InfoType&&) = default;
     virtual ~InfoType() = default;
 
     // The marked-up header line above a list of such rows.

@@ -85,6 +85,7 @@ const std::vector<std::string>& FaultOperations() {
         "MemoryInfoImpl::GetTotalPages",
         "NotaUserLib_Init",
         "Probe_Get",
+        "ResourceInfoImpl::HasRunningVirtualMachines",
         "SmartCardInfoImpl::GetAllSlots",
         "SmartCardInfoImpl::GetToken",
         "SysinfoUtil::SysinfoGet",

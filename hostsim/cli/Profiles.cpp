@@ -65,6 +65,57 @@ void Fabric(json& state) {
                                   {"properties", json::object()}}})}}});
 }
 
+// Stranded on the fabric: the management port is blocked, the gateway does not answer, and a
+// second kernel interface hangs on the fabric too. A DHCP server on the wire answers a host that
+// comes back with factory settings.
+void FabricBroken(json& state) {
+    Fabric(state);
+    json& ports = state["fabrics"][0]["ports"];
+    ports[0]["blocked"] = true;
+    json vmotion = Management(state);
+    vmotion["name"] = "tnic1";
+    vmotion["mac"] = "00:50:56:6a:10:02";
+    vmotion["connection"] = {{"type", "fabric"}, {"fabric", "fab-prod"}, {"portId", "13"}};
+    vmotion["ipv4"]["address"] = vmotion["ipv4"]["configuredAddress"] = "192.168.20.21";
+    vmotion["ipv6"]["addresses"] = json::array();
+    state["network"]["interfaces"].push_back(vmotion);
+    state["ping"]["reachable"] = json::array({"127.0.0.1"});
+    state["network"]["dhcpOnLink"] = {{"server", "192.168.10.254"}, {"address", "192.168.10.57"},
+                                      {"netmask", "255.255.255.0"}, {"gateway", "192.168.10.1"}};
+}
+
+// The management port of the fabric carries a wrong VLAN, is blocked and teams over a NIC the host
+// does not have; its other properties are set so that a clone of it can be told from a new port.
+void FabricMisconfigured(json& state) {
+    Fabric(state);
+    json& port = state["fabrics"][0]["ports"][0];
+    port["vlan"] = 999;
+    port["blocked"] = true;
+    port["properties"] = {
+        {"txUplink", true},
+        {"teamPolicy", {{"policy", 2}, {"notifySwitches", 0}, {"rollingOrder", 1}, {"policyInherited", 0},
+                        {"uplinksInherited", 0}, {"failureInherited", 0}, {"active", {"hwport9"}},
+                        {"standby", json::array()}}},
+        {"ipfix", true},
+        {"security", {{"allowPromiscuous", 0}, {"macChanges", 1}, {"forgedTransmits", 1}}},
+        {"shapingIn", {{"enabled", true}, {"average", 100000}, {"peak", 200000}, {"burst", 102400}}},
+        {"shapingOut", {{"enabled", false}, {"average", 0}, {"peak", 0}, {"burst", 0}}},
+        {"persistencePath", "/vmfs/volumes/datastore1/.fabric/port-12"},
+        {"vendorStrings", {{"16", {{"com.zephora.port.owner", "mgmt"}}}}},
+        {"vendorBinary", {{"16", {{"com.zephora.port.blob", {1, 2, 3}}}}}},
+        {"overlayParams", json::array({{{"name", "segment"}, {"data", {7, 0}}}})},
+        {"resPools", json::array({{{"key", "rp-1"}, {"name", "management"}, {"limit", -1}, {"shares", 50}}})},
+        {"resPoolAssoc", "rp-1"}};
+    state["ping"]["reachable"] = json::array({"127.0.0.1"});
+}
+
+// Management on the fabric and no standard switch left: nothing to add a port group to.
+void NoStandardSwitch(json& state) {
+    Fabric(state);
+    state["switches"] = json::array();
+    state["portGroups"] = json::array();
+}
+
 void NoNics(json& state) {
     state["pnics"] = json::array();
     for (json& standardSwitch : state["switches"]) {
@@ -111,6 +162,11 @@ const std::vector<std::pair<Profile, std::function<void(json&)>>>& Table() {
         {{"dhcp", "management address from DHCP, server answered", true}, Dhcp},
         {{"dhcp-no-server", "DHCP configured, no server answered (address 0.0.0.0)", true}, DhcpNoServer},
         {{"fabric", "management interface on a distributed switch port", true}, Fabric},
+        {{"fabric-broken", "stranded on a fabric: management port blocked, second interface on the fabric", true},
+         FabricBroken},
+        {{"fabric-misconfigured", "management port of the fabric with a wrong VLAN, blocked, odd teaming", true},
+         FabricMisconfigured},
+        {{"no-standard-switch", "management on a fabric and no standard switch", true}, NoStandardSwitch},
         {{"no-nics", "no physical network adapter", true}, NoNics},
         {{"audit-mode", "host booted in audit mode", true}, [](json& s) { s["bootOption"]["auditMode"] = true; }},
         {{"pxe-boot", "host booted over PXE (user option PXEBootEnabled)", true},

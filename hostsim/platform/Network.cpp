@@ -987,6 +987,16 @@ void NetworkInfoImpl::AutoConfigNetwork() {
                         {"ipv6", {{"dhcp", false}, {"autoconf", true}, {"addresses", json::array()}}}});
         network["managementInterface"] = "tnic0";
         Object(network, "dns")["dhcp"] = true;
+        // A DHCP server on the wire answers the new interface at once.
+        const json server = network.value("dhcpOnLink", json());
+        if (server.is_object() && !Text(server, "server").empty()) {
+            json& ipv4 = network["interfaces"].back()["ipv4"];
+            ipv4["address"] = Text(server, "address");
+            ipv4["netmask"] = Text(server, "netmask");
+            ipv4["dhcpServer"] = Text(server, "server");
+            ipv4["dhcpBound"] = true;
+            network["gateway"] = Text(server, "gateway");
+        }
     });
 }
 

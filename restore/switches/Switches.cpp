@@ -157,14 +157,18 @@ bool GetUplinks(KN::NetworkInterface* nic, std::vector<std::string>& uplinks) {
     });
 }
 
+void DetachUplink(const std::string& uplink) {
+    TesselCtl::Network::VirtualSwitchInfoImpl info;
+    DetachFrom(info.GetVirtualSwitches(0), uplink);
+    DetachFrom(info.GetFabricSwitches(), uplink);
+}
+
 bool AddUplink(KN::NetworkInterface* nic, const std::string& uplink) {
     bool result = false;
     return LoggedStep("Adding uplink " + uplink + " failed: ", [&] {
         std::unique_ptr<KN::ConnectionPoint> point = ConnectionPointOf(nic);
         // The uplink leaves whatever holds it, even when this interface turns out to be unfit.
-        TesselCtl::Network::VirtualSwitchInfoImpl info;
-        DetachFrom(info.GetVirtualSwitches(0), uplink);
-        DetachFrom(info.GetFabricSwitches(), uplink);
+        DetachUplink(uplink);
         auto* group = point->GetConnecteeType() == KN::CONNECTEE_PORTGROUP ? dynamic_cast<KN::PortGroup*>(point.get())
                                                                            : nullptr;
         if (group == nullptr) throw KeelsonException("Unsupported xbar type");

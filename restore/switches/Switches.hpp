@@ -56,6 +56,9 @@ bool SetVlanId(Keelson::Network::NetworkInterface* nic, uint16_t vlanId);
 bool GetMaxActiveUplinks(Keelson::Network::NetworkInterface* nic, uint32_t& count);
 // The port group's uplink order, first choice first.
 bool GetUplinks(Keelson::Network::NetworkInterface* nic, std::vector<std::string>& uplinks);
+// Takes the uplink off the first standard switch, and the first fabric, that hold it; switches
+// without it are passed over. Library exceptions from listing the switches pass to the caller.
+void DetachUplink(const std::string& uplink);
 // Detaches the uplink from whatever switch holds it, then adds it to the interface's switch and team.
 bool AddUplink(Keelson::Network::NetworkInterface* nic, const std::string& uplink);
 // Takes the uplink off the interface's switch and team.

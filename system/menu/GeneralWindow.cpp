@@ -22,6 +22,7 @@
 #include "network/NetworkWindow.hpp"
 #include "network/RestartNetworkDialog.hpp"
 #include "network/TestDialog.hpp"
+#include "restore/NetworkRestoreWindow.hpp"
 #include "restore/switches/Switches.hpp"
 #include "system/RestoreDialog.hpp"
 #include "system/TroubleShootingWindow.hpp"
@@ -339,7 +340,10 @@ void GeneralWindow::RunEntry(uint32_t id)
         TestDialog(this).RunModal();
         Draw();
         break;
-    case Ids::NetworkRestoreOptions:      // network restore window
+    case Ids::NetworkRestoreOptions:
+        NetworkRestoreWindow(this).RunModal();
+        Draw();
+        break;
     default:
         break;
     }

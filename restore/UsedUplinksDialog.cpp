@@ -1,0 +1,27 @@
+#include "restore/UsedUplinksDialog.hpp"
+
+#include "core/Keys.hpp"
+#include "text/CatalogueIds.hpp"
+
+namespace Lanyx {
+
+UsedUplinksDialog::UsedUplinksDialog(Frame* owner) : Dialog(owner, 60, 10, 5) {
+    question = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(),
+                            contentWindow->GetHeight(), -1);
+}
+
+bool UsedUplinksDialog::Execute() {
+    SetTitle(CatalogueText(Ids::FabricUplinksWarningTitle));
+    SetMessage(CatalogueText(Ids::NoUplinksSelected));
+    question->SetText(CatalogueText(Ids::ContinueQuestion));
+    SetFooter(Footers::kOkCancel);
+    for (;;) {
+        const int key = ReadKey(true);
+        if (key == Keys::Enter)
+            return true;
+        if (key == Keys::Escape)
+            return false;
+    }
+}
+
+} // namespace Lanyx
