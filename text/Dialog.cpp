@@ -5,18 +5,9 @@
 
 namespace Lanyx {
 
-namespace {
-
-// A box wider than the screen would not be drawn at all; cut to the screen, it still shows.
-int FitWidth(int requested) {
-    return COLS > 0 && requested > COLS ? COLS : requested;
-}
-
-} // namespace
-
-Dialog::Dialog(Frame* owner, int requestedWidth, int height, int titleHeight)
-    : Frame(owner, (COLS - FitWidth(requestedWidth)) / 2, (LINES - height) / 2, FitWidth(requestedWidth), height,
-            Roles::Frame.background, Roles::Frame.foreground) {
+Dialog::Dialog(Frame* owner, int width, int height, int titleHeight)
+    : Frame(owner, (COLS - width) / 2, (LINES - height) / 2, width, height, Roles::Frame.background,
+            Roles::Frame.foreground) {
     if (handle) {
         werase(handle.get());
     }
