@@ -480,6 +480,112 @@ TEST(Restore, CreatePortGroupWithoutStandardSwitch) {
     EXPECT_EQ(s->Host().Messages("user.err"), Strings{"No standard switches present"});
 }
 
+// ---------------------------------------------------------------- new standard switch
+
+std::string Ostraq(const std::string& command, const char* outcome) {
+    return "Command \"ostraq network xbar standard " + command + "\" " + outcome;
+}
+
+TEST(Restore, CreateSwitchTakesAHeldNicWhenAllowed) {
+    auto s = OpenRestore("default");
+    Console& console = s->Screen();
+    HostRoot& host = s->Host();
+    ASSERT_TRUE(s->OpenEntry("Create Standard Switch"));
+    ASSERT_TRUE(console.WaitForText("Enter the properties for new standard xbar"));
+    EXPECT_TRUE(console.Find("xbar Name: ")) << console.Describe();
+    EXPECT_TRUE(console.Find("(o) hwport0")) << console.Describe();
+    Press(*s, "d");
+    EXPECT_TRUE(console.Find("[ d   ")) << "D in the name field is a letter";
+    Press(*s, Keys::Down);
+    Press(*s, "d");
+    ASSERT_TRUE(console.WaitForText("Device Name: hwport0")) << console.Describe();
+    Press(*s, Keys::Enter);
+    Press(*s, Keys::Up);
+    ASSERT_TRUE(s->Type("backup"));
+
+    // The checked row counts, wherever the selection stands; No and Esc both leave the host.
+    const json before = host.State();
+    for (const std::string_view answer : {std::string_view("n"), Keys::Escape}) {
+        Press(*s, Keys::Enter);
+        ASSERT_TRUE(console.WaitForText("Uplink is already in use"));
+        EXPECT_TRUE(console.Find("The chosen uplink \"hwport0\" is already in use by \"switch0\"."))
+            << console.Describe();
+        Press(*s, answer);
+        ASSERT_TRUE(console.WaitForText("Operation Cancelled"));
+        Press(*s, Keys::Enter);
+        EXPECT_EQ(host.State()["switches"], before["switches"]);
+    }
+
+    Press(*s, Keys::Enter);
+    ASSERT_TRUE(console.WaitForText("Uplink is already in use"));
+    Press(*s, "y");
+    ASSERT_TRUE(console.WaitForText("Successfully created standard virtual switch: backup"));
+    Press(*s, Keys::Enter);
+    EXPECT_EQ(s->RightTitle(), "Create Standard Switch");
+    const json switches = host.State()["switches"];
+    ASSERT_NE(Named(switches, "backup"), nullptr);
+    EXPECT_EQ((*Named(switches, "backup"))["uplinks"], json({"hwport0"}));
+    EXPECT_EQ((*Named(switches, "switch0"))["uplinks"], json({"hwport1"}));
+    for (const std::string& line :
+         {Ostraq("uplink remove -u hwport0 -v switch0", "succeeded"),
+          Ostraq("add -v backup", "succeeded"), Ostraq("uplink add -u hwport0 -v backup", "succeeded")})
+        EXPECT_EQ(host.Matching(Record::Syslog, line).size(), 1u) << line;
+}
+
+TEST(Restore, CreateSwitchNamesAndMissingNics) {
+    auto s = OpenRestore("default");
+    Console& console = s->Screen();
+    HostRoot& host = s->Host();
+    ASSERT_TRUE(s->OpenEntry("Create Standard Switch"));
+    ASSERT_TRUE(console.WaitForText("Enter the properties for new standard xbar"));
+    // hwport3 is free: no question, and nothing but the two commands of the form run.
+    for (int i = 0; i < 4; ++i)
+        Press(*s, Keys::Down);
+    Press(*s, " ");
+    for (int i = 0; i < 4; ++i)
+        Press(*s, Keys::Up);
+
+    struct Case {
+        std::string typed;
+        std::string shown;
+        std::vector<std::string> commands; // the lines logged
+    };
+    const std::string longest(127, 'q');
+    const std::vector<Case> cases = {
+        {"", "Please enter a valid standard switch name.", {}},
+        // The form hands on 127 characters and drops the 128th; the host's limit refuses them.
+        {longest + "q", "Operation Failed",
+         {Ostraq("add -v " + longest, "failed"), Ostraq("uplink add -u hwport3 -v " + longest, "failed")}},
+        // Nothing is rolled back: the uplink still goes to the switch of that name.
+        {"switch0", "Operation Failed",
+         {Ostraq("add -v switch0", "failed"), Ostraq("uplink add -u hwport3 -v switch0", "succeeded")}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed.size());
+        host.Mark();
+        ASSERT_TRUE(s->Type(c.typed));
+        Press(*s, Keys::Enter);
+        ASSERT_TRUE(console.WaitForText(c.shown)) << console.Describe();
+        Press(*s, Keys::Enter);
+        const std::vector<std::string> commands = host.Matching(Record::Syslog, "Command \"ostraq");
+        ASSERT_EQ(commands.size(), c.commands.size());
+        for (size_t i = 0; i < commands.size(); ++i)
+            EXPECT_NE(commands[i].find(c.commands[i]), std::string::npos) << commands[i];
+        Press(*s, Keys::Home);
+        Press(*s, Keys::Delete);
+        for (size_t i = 0; i < c.typed.size(); ++i)
+            ASSERT_TRUE(s->Key(Keys::Delete));
+    }
+    Press(*s, Keys::Escape);
+    EXPECT_EQ(s->RightTitle(), "Create Standard Switch");
+    EXPECT_EQ(host.State()["switches"].size(), 1u);
+
+    auto bare = OpenRestore("no-nics");
+    ASSERT_TRUE(bare->OpenEntry("Create Standard Switch"));
+    EXPECT_EQ(bare->RightTitle(), "Create Standard Switch") << "the box opens and closes";
+    EXPECT_EQ(bare->Host().Messages("user.err"), Strings{"No physical nics present"});
+}
+
 // ---------------------------------------------------------------- kernel NIC migration
 
 TEST(Restore, MigrateKernelNic) {
