@@ -526,9 +526,9 @@ TEST(Restore, CreateSwitchTakesAHeldNicWhenAllowed) {
     ASSERT_NE(Named(switches, "backup"), nullptr);
     EXPECT_EQ((*Named(switches, "backup"))["uplinks"], json({"hwport0"}));
     EXPECT_EQ((*Named(switches, "switch0"))["uplinks"], json({"hwport1"}));
-    for (const std::string& line :
-         {Ostraq("uplink remove -u hwport0 -v switch0", "succeeded"),
-          Ostraq("add -v backup", "succeeded"), Ostraq("uplink add -u hwport0 -v backup", "succeeded")})
+    for (const std::string& line : {Ostraq("uplink remove -u hwport0 -v switch0", "succeeded"),
+                                    Ostraq("add -v backup", "succeeded"),
+                                    Ostraq("uplink add -u hwport0 -v backup", "succeeded")})
         EXPECT_EQ(host.Matching(Record::Syslog, line).size(), 1u) << line;
 }
 
@@ -554,11 +554,15 @@ TEST(Restore, CreateSwitchNamesAndMissingNics) {
     const std::vector<Case> cases = {
         {"", "Please enter a valid standard switch name.", {}},
         // The form hands on 127 characters and drops the 128th; the host's limit refuses them.
-        {longest + "q", "Operation Failed",
-         {Ostraq("add -v " + longest, "failed"), Ostraq("uplink add -u hwport3 -v " + longest, "failed")}},
+        {longest + "q",
+         "Operation Failed",
+         {Ostraq("add -v " + longest, "failed"),
+          Ostraq("uplink add -u hwport3 -v " + longest, "failed")}},
         // Nothing is rolled back: the uplink still goes to the switch of that name.
-        {"switch0", "Operation Failed",
-         {Ostraq("add -v switch0", "failed"), Ostraq("uplink add -u hwport3 -v switch0", "succeeded")}},
+        {"switch0",
+         "Operation Failed",
+         {Ostraq("add -v switch0", "failed"),
+          Ostraq("uplink add -u hwport3 -v switch0", "succeeded")}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.typed.size());
