@@ -2,6 +2,7 @@
 
 #include "host/CommandRunner.hpp"
 #include "restore/CreatePortGroupDialog.hpp"
+#include "restore/CreateXbsDialog.hpp"
 #include "restore/MigrateTesselnicDialog.hpp"
 #include "restore/RestoreFabricDialog.hpp"
 #include "restore/RestoreNetworkDialog.hpp"
@@ -81,7 +82,7 @@ void NetworkRestoreWindow::ShowSelectedEntry() {
 void NetworkRestoreWindow::RunEntry(uint32_t id) {
     switch (id) {
     case Ids::CreateSwitchEntry:
-        // NEW-SWITCH FORM: CreateXbsDialog(this).RunModal(); plugs in here once it exists.
+        CreateXbsDialog(this).RunModal();
         break;
     case Ids::CreatePortGroupEntry:
         CreatePortGroupDialog(this).RunModal();

@@ -2,6 +2,7 @@
 // the host state before and after, the welcome screen's address afterwards and the records.
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -118,7 +119,9 @@ TEST(Restore, MenuGreysWhatCannotWorkAndSkipsIt) {
     Press(*s, Keys::Escape);
     EXPECT_EQ(RightFooter(console), "<Enter> Change             <Esc> Exit");
     ASSERT_TRUE(s->SelectEntry("Create Standard Switch"));
-    Press(*s, Keys::Enter); // opens nothing yet
+    Press(*s, Keys::Enter);
+    ASSERT_TRUE(console.WaitForText("Enter the properties for new standard xbar"));
+    Press(*s, Keys::Escape);
     EXPECT_EQ(s->RightTitle(), "Create Standard Switch");
     BackToWelcome(*s);
 }
@@ -478,6 +481,81 @@ TEST(Restore, CreatePortGroupWithoutStandardSwitch) {
     ASSERT_TRUE(s->OpenEntry("Create Port Group"));
     EXPECT_EQ(s->RightTitle(), "Create Port Group") << "the box opens and closes";
     EXPECT_EQ(s->Host().Messages("user.err"), Strings{"No standard switches present"});
+}
+
+// ---------------------------------------------------------------- new standard switch
+
+size_t Logged(const HostRoot& host, const std::string& command, const std::string& outcome) {
+    const std::string line = "Command \"ostraq network xbar standard " + command + "\" " + outcome;
+    return host.Matching(Record::Syslog, line).size();
+}
+
+TEST(Restore, CreateStandardSwitch) {
+    auto s = OpenRestore("default");
+    Console& console = s->Screen();
+    HostRoot& host = s->Host();
+    ASSERT_TRUE(s->OpenEntry("Create Standard Switch"));
+    ASSERT_TRUE(console.WaitForText("Enter the properties for new standard xbar"));
+    // hwport3 is free: no question, and only the form's two commands.
+    for (const std::string_view key :
+         {Keys::Down, Keys::Down, Keys::Down, Keys::Down, std::string_view(" "), Keys::Up, Keys::Up,
+          Keys::Up, Keys::Up})
+        Press(*s, key);
+
+    // The form hands on 127 characters and drops the 128th; the host's own limit refuses them.
+    // Nothing is rolled back: a taken name still gets the uplink.
+    const std::string longest(127, 'q');
+    const std::vector<std::tuple<std::string, std::string, std::string, const char*>> cases = {
+        {"", "", "Please enter a valid standard switch name.", ""},
+        {longest + "q", longest, "Operation Failed", "failed"},
+        {"switch0", "switch0", "Operation Failed", "succeeded"},
+    };
+    for (const auto& [typed, sent, shown, uplink] : cases) {
+        SCOPED_TRACE(typed.size());
+        host.Mark();
+        ASSERT_TRUE(s->Type(typed));
+        Press(*s, Keys::Enter);
+        ASSERT_TRUE(console.WaitForText(shown)) << console.Describe();
+        Press(*s, Keys::Enter);
+        const size_t runs = sent.empty() ? 0 : 1;
+        EXPECT_EQ(host.Matching(Record::Syslog, "Command \"ostraq").size(), 2 * runs);
+        EXPECT_EQ(Logged(host, "add -v " + sent, "failed"), runs);
+        EXPECT_EQ(Logged(host, "uplink add -u hwport3 -v " + sent, uplink), runs);
+        Press(*s, Keys::Home);
+        for (size_t i = 0; i <= typed.size(); ++i)
+            ASSERT_TRUE(s->Key(Keys::Delete));
+    }
+
+    // hwport1 belongs to switch0: No and Esc leave it there (one remove in the log), Yes moves it.
+    // Enter on another row still takes the checked one.
+    ASSERT_TRUE(s->Type("backup"));
+    for (const std::string_view key : {Keys::Down, Keys::Down, std::string_view(" "), Keys::Down})
+        Press(*s, key);
+    for (const std::string_view answer :
+         {std::string_view("n"), Keys::Escape, std::string_view("y")}) {
+        Press(*s, Keys::Enter);
+        ASSERT_TRUE(
+            console.WaitForText("The chosen uplink \"hwport1\" is already in use by \"switch0\"."));
+        Press(*s, answer);
+        if (answer != "y") {
+            ASSERT_TRUE(console.WaitForText("Operation Cancelled"));
+            Press(*s, Keys::Enter);
+        }
+    }
+    ASSERT_TRUE(console.WaitForText("Successfully created standard virtual switch: backup"));
+    Press(*s, Keys::Enter);
+    const json after = host.State()["switches"];
+    ASSERT_NE(Named(after, "backup"), nullptr);
+    EXPECT_EQ((*Named(after, "backup"))["uplinks"], json({"hwport1"}));
+    EXPECT_EQ((*Named(after, "switch0"))["uplinks"], json({"hwport0", "hwport3"}));
+    for (const char* command : {"uplink remove -u hwport1 -v switch0", "add -v backup",
+                                "uplink add -u hwport1 -v backup"})
+        EXPECT_EQ(Logged(host, command, "succeeded"), 1u) << command;
+
+    auto bare = OpenRestore("no-nics");
+    ASSERT_TRUE(bare->OpenEntry("Create Standard Switch"));
+    EXPECT_EQ(bare->RightTitle(), "Create Standard Switch") << "the box opens and closes";
+    EXPECT_EQ(bare->Host().Messages("user.err"), Strings{"No physical nics present"});
 }
 
 // ---------------------------------------------------------------- kernel NIC migration
