@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -36,7 +37,13 @@ std::vector<std::string> ToolRuns(const std::string& tool) { return host->Host()
 // The thread is never waited for by the console; a test waits for its last trace, bounded.
 bool Eventually(const std::function<bool()>& condition)
 {
-    return LanyxTest::PollUntil(condition, std::chrono::seconds(20));
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
 }
 
 class RestartAgentsDialogTest : public ::testing::Test {
