@@ -215,6 +215,21 @@ void ProgramHost::SetUp()
         initial_ = host_->State();
 }
 
+std::vector<std::string> HostRoot::ToolRuns(std::string_view tool) const
+{
+    std::vector<std::string> runs;
+    for (const nlohmann::json& record : State().value("toolRecords", nlohmann::json::array())) {
+        const std::string name = record.value("tool", "");
+        if (!tool.empty() && name != tool)
+            continue;
+        std::string line = tool.empty() ? name : "";
+        for (const nlohmann::json& arg : record.value("args", nlohmann::json::array()))
+            line += (line.empty() ? "" : " ") + arg.get<std::string>();
+        runs.push_back(line);
+    }
+    return runs;
+}
+
 void ProgramHost::Reset(const std::function<void(nlohmann::json&)>& change)
 {
     host_->Edit([&](nlohmann::json& state) {

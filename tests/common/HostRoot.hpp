@@ -63,6 +63,9 @@ public:
     // System log lines since the mark as "<facility>.<level> <message>"; with a priority given,
     // only the messages of that priority.
     std::vector<std::string> Messages(std::string_view priority = {}) const;
+    // The host tools' runs, oldest first: of `tool`, each as its arguments joined by blanks;
+    // with no tool given, every run as "<tool> <args...>".
+    std::vector<std::string> ToolRuns(std::string_view tool = {}) const;
     // Waits until a line of the record since the mark contains `text`.
     ::testing::AssertionResult WaitForLine(Record record, std::string_view text, Duration timeout = 10s) const;
 

@@ -15,14 +15,6 @@ namespace {
 
 constexpr const char* kMessage = "If you are having difficulty using your keyboard";
 
-::testing::AssertionResult Press(Session& s, std::initializer_list<std::string_view> keys)
-{
-    for (std::string_view key : keys)
-        if (!s.Key(key))
-            return ::testing::AssertionFailure() << "a key was not sent";
-    return s.Settle();
-}
-
 // A plain xterm counts as the machine's own screen; the host starts on Croatian, the third layout.
 SessionOptions ConsoleScreen()
 {
@@ -69,7 +61,7 @@ TEST(Keyboard, ChosenFromTheMenu)
         EXPECT_TRUE(console.Find("<Space> Toggle Selected"));
         EXPECT_TRUE(console.Find("( ) Belgian"));
         for (std::string_view key : round.keys)
-            ASSERT_TRUE(Press(s, {key}));
+            ASSERT_TRUE(s.Press({key}));
         ASSERT_TRUE(console.WaitForTextGone(kMessage));
         ASSERT_TRUE(s.Settle());
         EXPECT_EQ(Keyboard(host), round.keyboard);
@@ -88,9 +80,9 @@ TEST(Keyboard, TickedLayoutShownAndKeptBySpaceOnIt)
     ASSERT_TRUE(console.WaitForText("(o) Croatian"));
     EXPECT_TRUE(console.Find("( ) Brazilian"));
     // Space on the ticked line keeps it ticked; Up at the top and letters change nothing.
-    ASSERT_TRUE(Press(s, {Keys::Up, "x", Keys::Down, Keys::Down, " "}));
+    ASSERT_TRUE(s.Press({Keys::Up, "x", Keys::Down, Keys::Down, " "}));
     EXPECT_TRUE(console.Find("(o) Croatian"));
-    ASSERT_TRUE(Press(s, {Keys::Enter}));
+    ASSERT_TRUE(s.Press({Keys::Enter}));
     ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: Keyboard Layout changed to Croatian"));
 }
 
@@ -101,14 +93,14 @@ TEST(Keyboard, ChosenAtTheLoginBeforeAnyoneLogsIn)
     HostRoot& host = s.Host();
     ASSERT_TRUE(s.OpenLogin());
     EXPECT_TRUE(console.Find("Configured Keyboard (Croatian)"));
-    ASSERT_TRUE(Press(s, {Keys::Up, Keys::Enter}));
+    ASSERT_TRUE(s.Press({Keys::Up, Keys::Enter}));
     ASSERT_TRUE(console.WaitForText(kMessage));
-    ASSERT_TRUE(Press(s, {" ", Keys::Enter}));
+    ASSERT_TRUE(s.Press({" ", Keys::Enter}));
     ASSERT_TRUE(console.WaitForText("Configured Keyboard (Belgian)"));
     EXPECT_EQ(Keyboard(host), json({{"layout", "Belgian"}, {"loaded", "Belgian"}}));
     EXPECT_EQ(Changes(host, "Belgian"), 1u);
     // The box is as before: the login goes on from the name line.
-    ASSERT_TRUE(Press(s, {Keys::Down}));
+    ASSERT_TRUE(s.Press({Keys::Down}));
     ASSERT_TRUE(s.Type("root") && s.Key(Keys::Enter) && s.Type(kRootPassword) && s.Key(Keys::Enter));
     EXPECT_TRUE(console.WaitForText("System Customization"));
 }

@@ -19,8 +19,6 @@ constexpr const char* kTitle = "Authentication Required";
 constexpr const char* kPasswordFooter = "<Enter> OK  <Esc> Cancel";
 constexpr const char* kPinHint = "<F3> Switch PIN/Password Login";
 
-std::string Trimmed(std::string text) { return text.erase(text.find_last_not_of(' ') + 1); }
-
 // What a field row shows between its brackets, trailing blanks removed.
 std::string FieldValue(const Console& console, int line)
 {
@@ -52,15 +50,6 @@ std::string Message(const Console& console, int row = kMessageRow)
     return Trimmed(console.Text(row, kTextColumn, 54) + " " + console.Text(row + 1, kTextColumn, 54));
 }
 
-// Sends keys, each once, and waits until the console reads again.
-::testing::AssertionResult Press(Session& s, std::initializer_list<std::string_view> keys)
-{
-    for (std::string_view key : keys)
-        if (!s.Key(key))
-            return ::testing::AssertionFailure() << "a key was not sent";
-    return s.Settle();
-}
-
 // ---------------------------------------------------------------- the box
 
 TEST(Login, PasswordModeLooksAndMoves)
@@ -83,25 +72,25 @@ TEST(Login, PasswordModeLooksAndMoves)
 
     // Enter on the name moves on without an attempt; Tab on the last line goes back to line 0;
     // each field takes only its own keys.
-    ASSERT_TRUE(Press(s, {Keys::Enter, "a", "b"}));
+    ASSERT_TRUE(s.Press({Keys::Enter, "a", "b"}));
     EXPECT_TRUE(Selected(console, 1));
     EXPECT_EQ(FieldValue(console, 1), "**");
-    ASSERT_TRUE(Press(s, {Keys::Tab, Keys::End, "x"}));
+    ASSERT_TRUE(s.Press({Keys::Tab, Keys::End, "x"}));
     EXPECT_EQ(FieldValue(console, 0), "rootx");
-    ASSERT_TRUE(Press(s, {Keys::Down, Keys::Backspace}));
+    ASSERT_TRUE(s.Press({Keys::Down, Keys::Backspace}));
     EXPECT_TRUE(Selected(console, 1));
     EXPECT_EQ(FieldValue(console, 1), "") << "a field entered again is selected whole";
     EXPECT_TRUE(s.Host().Matching(Record::Syslog, "Authentication of user").empty());
 
     // F3 gives PIN mode and back, each time with the mode's default name; the line stays.
-    ASSERT_TRUE(Press(s, {Keys::F(3)}));
+    ASSERT_TRUE(s.Press({Keys::F(3)}));
     EXPECT_EQ(FieldLabel(console, 1), "PIN:");
     EXPECT_TRUE(console.Find(kPinHint));
     EXPECT_EQ(Message(console), "Enter the smart card login PIN for lanyx-lab01.lab.example.test.");
     EXPECT_EQ(FieldLabel(console, 0), "Login Id:");
     EXPECT_EQ(FieldValue(console, 0), "") << "no card: no user id";
     EXPECT_TRUE(Selected(console, 1));
-    ASSERT_TRUE(Press(s, {Keys::F(3)}));
+    ASSERT_TRUE(s.Press({Keys::F(3)}));
     EXPECT_EQ(FieldLabel(console, 1), "Password:");
     EXPECT_FALSE(console.Find(kPinHint));
     EXPECT_EQ(FieldValue(console, 0), "root");
@@ -128,11 +117,11 @@ TEST(Login, ConsoleModeAddsTheKeyboardLine)
     EXPECT_TRUE(Selected(console, 1));
     // Tab on the secret wraps to the keyboard line; a letter there changes nothing, Enter opens
     // the layout choice, Esc there comes back to the box, and Down still moves.
-    ASSERT_TRUE(Press(s, {Keys::Tab, Keys::Tab}));
+    ASSERT_TRUE(s.Press({Keys::Tab, Keys::Tab}));
     EXPECT_TRUE(Selected(console, 0));
-    ASSERT_TRUE(Press(s, {"q", Keys::Enter}));
+    ASSERT_TRUE(s.Press({"q", Keys::Enter}));
     EXPECT_TRUE(console.WaitForText("Configure Keyboard"));
-    ASSERT_TRUE(Press(s, {Keys::Escape, Keys::Down}));
+    ASSERT_TRUE(s.Press({Keys::Escape, Keys::Down}));
     EXPECT_TRUE(Selected(console, 1));
     EXPECT_EQ(FieldValue(console, 1), "root");
     EXPECT_EQ(FieldValue(console, 2), "");
@@ -174,13 +163,13 @@ TEST(Login, RefusalsThenSuccessWithTheirRecords)
         ASSERT_TRUE(console.WaitForText(refusal.message));
         EXPECT_TRUE(console.Find("Authentication failed"));
         // Other keys leave the message open; Enter closes it.
-        ASSERT_TRUE(Press(s, {"x"}));
+        ASSERT_TRUE(s.Press({"x"}));
         EXPECT_TRUE(console.Find(refusal.message));
-        ASSERT_TRUE(Press(s, {Keys::Enter}));
+        ASSERT_TRUE(s.Press({Keys::Enter}));
         if (refusal.name == "expired") {
             // The password change comes next; its own tests go through it.
             EXPECT_TRUE(console.WaitForText("Old Password:"));
-            ASSERT_TRUE(Press(s, {Keys::Escape}));
+            ASSERT_TRUE(s.Press({Keys::Escape}));
         }
         // Back in the box on an emptied secret.
         EXPECT_FALSE(console.Find(refusal.message));
@@ -256,13 +245,13 @@ TEST(Login, ClosedConsoleDeniesEvenWithACard)
     ASSERT_TRUE(s.AwaitWelcome());
     // F2 and F12 lead there; other keys keep it; Enter and Esc close it, with no record.
     for (std::string_view open : {Keys::F(2), Keys::F(12)}) {
-        ASSERT_TRUE(Press(s, {open}));
+        ASSERT_TRUE(s.Press({open}));
         ASSERT_TRUE(console.Find("Authentication Denied")) << console.Describe();
         // The box of 60 x 9: message from row 11. An empty domain keeps both dots.
         EXPECT_EQ(Message(console, 11),
                   "Direct console access has been disabled by the administrator for lanyx-lab01..");
         EXPECT_FALSE(console.Find("Login"));
-        ASSERT_TRUE(Press(s, {"a"}));
+        ASSERT_TRUE(s.Press({"a"}));
         EXPECT_TRUE(console.Find("Authentication Denied"));
         s.Key(open == Keys::F(2) ? Keys::Enter : Keys::Escape);
         ASSERT_TRUE(s.AwaitWelcome());

@@ -15,20 +15,14 @@ using LanyxTest::Record;
 
 namespace {
 
-struct RestartCase {
-    std::string profile;
-    std::string afterStart; // what the second progress line shows
-    int renewals;
-};
-
 TEST(NetworkTools, RestartStopsAndStartsTheInterface)
 {
-    const std::vector<RestartCase> cases = {
-        {"default", "Starting management network.", 0},
-        // A DHCP host shows no IPv4 address; its link-local IPv6 address is not shown either.
-        {"dhcp", "Starting management network.", 1},
+    struct Case {
+        std::string profile;
+        int renewals;
     };
-    for (const RestartCase& c : cases) {
+    // A DHCP host shows no IPv4 address; its link-local IPv6 address is not shown either.
+    for (const Case& c : {Case{"default", 0}, Case{"dhcp", 1}}) {
         SCOPED_TRACE(c.profile);
         Session s(c.profile);
         ASSERT_TRUE(s.LogIn());
@@ -43,7 +37,7 @@ TEST(NetworkTools, RestartStopsAndStartsTheInterface)
         s.Key(Keys::F(11));
         ASSERT_TRUE(s.Screen().WaitForText("<Enter> OK"));
         EXPECT_TRUE(s.Screen().Find("Stopping management network. Done.").has_value()) << s.Screen().Describe();
-        EXPECT_TRUE(s.Screen().Find(c.afterStart).has_value()) << s.Screen().Describe();
+        EXPECT_TRUE(s.Screen().Find("Starting management network.").has_value()) << s.Screen().Describe();
         EXPECT_EQ(s.Screen().Find("   IP address is  192.168.10.21").has_value(), c.profile == "default")
             << s.Screen().Describe();
         EXPECT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: Restarting tnic0"));

@@ -20,26 +20,21 @@ namespace {
 constexpr const char* kShutdownFooter = "<F2> Shut Down  <F11> Restart";
 constexpr const char* kForceOff = "[ ] Forcefully terminate running VMs, if any ...";
 constexpr const char* kForceOn = "[X] Forcefully terminate running VMs, if any ...";
-constexpr const char* kTimedOut = "]: User root logged out due to time out";
 
 class SystemOps : public ::testing::Test {
 protected:
-    Console* Start(const std::string& idleLimit = "", const std::string& faketime = "")
+    Console* Start()
     {
-        SessionOptions options;
-        if (!idleLimit.empty())
-            options.settings.emplace_back("lanyx-timeout", idleLimit);
-        options.faketime = faketime;
-        session = std::make_unique<Session>("default", options);
+        session = std::make_unique<Session>("default");
         root = &session->Host();
         EXPECT_TRUE(session->AwaitWelcome());
         return &session->Screen();
     }
 
     // The shutdown dialog after a login as root by F12, ready for keys.
-    Console* OpenShutdown(const std::string& idleLimit = "", const std::string& faketime = "")
+    Console* OpenShutdown()
     {
-        Console* console = Start(idleLimit, faketime);
+        Console* console = Start();
         EXPECT_TRUE(session->Key(Keys::F(12)));
         EXPECT_TRUE(console->WaitForText("Authentication Required"));
         EXPECT_TRUE(session->Settle());
@@ -52,9 +47,9 @@ protected:
     }
 
     // The menu after a login by F2, with `title` selected.
-    Console* OpenMenuAt(const std::string& title, const std::string& idleLimit = "", const std::string& faketime = "")
+    Console* OpenMenuAt(const std::string& title)
     {
-        Console* console = Start(idleLimit, faketime);
+        Console* console = Start();
         EXPECT_TRUE(session->LogIn());
         EXPECT_TRUE(session->SelectEntry(title));
         return console;
@@ -72,21 +67,6 @@ protected:
 
     json State() const { return root->State(); }
 
-    // Tool records of `tool`, oldest first, each as its arguments joined by blanks.
-    std::vector<std::string> ToolRuns(const std::string& tool) const
-    {
-        std::vector<std::string> runs;
-        for (const json& record : State().value("toolRecords", json::array())) {
-            if (record.value("tool", "") != tool)
-                continue;
-            std::string line;
-            for (const json& arg : record.value("args", json::array()))
-                line += (line.empty() ? "" : " ") + arg.get<std::string>();
-            runs.push_back(line);
-        }
-        return runs;
-    }
-
     size_t Count(Record record, std::string_view text) const { return root->Matching(record, text).size(); }
 
     std::unique_ptr<Session> session;
@@ -99,24 +79,18 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
 {
     struct Case {
         std::string_view key;
-        bool force;
+        bool force; // the forced runs of both keys are in the fault test below
         std::string title, message, logLine, event, action, powerState;
     };
     const std::vector<Case> cases = {
         {Keys::F(2), false, "Shut Down Host", "Shutdown in progress...", "]: Shutting down host",
          "@&!*@*@(nota.user.lanyx.shutdown.host)Shutting down host", "poweroff", "off"},
-        {Keys::F(2), true, "Shut Down Host", "Shutdown in progress...", "]: Shutting down host",
-         "@&!*@*@(nota.user.lanyx.shutdown.host)Shutting down host", "poweroff", "off"},
-        {Keys::F(11), false, "Restart Host", "Restart in progress...", "]: Rebooting host",
-         "@&!*@*@(nota.user.lanyx.reboot.host)Rebooting host", "reboot", "rebooting"},
         {Keys::F(11), true, "Restart Host", "Restart in progress...", "]: Rebooting host",
          "@&!*@*@(nota.user.lanyx.reboot.host)Rebooting host", "reboot", "rebooting"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.action + (c.force ? " forced" : " graceful"));
+        SCOPED_TRACE(c.action);
         Console* console = OpenShutdown();
-        EXPECT_TRUE(console->Find("Shut Down/Restart"));
-        EXPECT_TRUE(console->Find("Remote management software is recommended"));
         // Enter accepts nothing here.
         ASSERT_TRUE(session->Key(Keys::Enter));
         if (c.force) {
@@ -134,8 +108,8 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
         ASSERT_EQ(power["history"].size(), 1u) << power.dump();
         EXPECT_EQ(power["history"][0]["action"], c.action);
         EXPECT_TRUE(power["history"][0]["args"].empty());
-        EXPECT_EQ(ToolRuns("haltGuests"), std::vector<std::string>{c.force ? "--terminate" : ""});
-        EXPECT_EQ(ToolRuns("helmq"), std::vector<std::string>{"-U root helmnode/autostartmanager/autostop"});
+        EXPECT_EQ(root->ToolRuns("haltGuests"), std::vector<std::string>{c.force ? "--terminate" : ""});
+        EXPECT_EQ(root->ToolRuns("helmq"), std::vector<std::string>{"-U root helmnode/autostartmanager/autostop"});
         EXPECT_FALSE(State()["autostartManager"].value("running", true));
         const json guests = State()["guests"];
         for (const json& guest : guests)
@@ -166,7 +140,7 @@ TEST_F(SystemOps, EscapeLeavesTheShutdownDialogWithoutARecord)
     EXPECT_TRUE(root->Matching(Record::Syslog, "]: Rebooting host").empty());
     EXPECT_TRUE(root->Lines(Record::Notad).empty());
     EXPECT_EQ(State()["power"].value("state", ""), "on");
-    EXPECT_TRUE(ToolRuns("haltGuests").empty());
+    EXPECT_TRUE(root->ToolRuns("haltGuests").empty());
     // No session was opened behind F12: no logout either.
     EXPECT_TRUE(root->Matching(Record::Syslog, "logged out").empty());
 }
@@ -194,7 +168,7 @@ TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick)
         // The records and the stopped guests stay: nothing is undone.
         EXPECT_EQ(Count(Record::Syslog, c.logLine), 1u);
         EXPECT_EQ(root->Lines(Record::Notad).size(), 1u);
-        EXPECT_EQ(ToolRuns("haltGuests"), std::vector<std::string>{"--terminate"});
+        EXPECT_EQ(root->ToolRuns("haltGuests"), std::vector<std::string>{"--terminate"});
         EXPECT_EQ(State()["power"].value("state", ""), "on");
         EXPECT_TRUE(State()["power"]["history"].empty());
 
@@ -213,7 +187,7 @@ TEST_F(SystemOps, AbsentPowerCommandStillEndsInTheEndlessWait)
     root->Fault({"tool", "poweroff", "absent"});
     ASSERT_TRUE(session->Key(Keys::F(2)));
     ASSERT_TRUE(console->WaitForText("Shutdown in progress..."));
-    ASSERT_TRUE(console->WaitFor([&] { return ToolRuns("haltGuests").size() == 1u; }, 10s, "the guests halted"));
+    ASSERT_TRUE(console->WaitFor([&] { return root->ToolRuns("haltGuests").size() == 1u; }, 10s, "the guests halted"));
     ASSERT_TRUE(session->Key(Keys::Escape));
     console->Pump(500ms);
     EXPECT_TRUE(console->Find("Shutdown in progress...")) << console->Describe();
@@ -229,7 +203,7 @@ TEST_F(SystemOps, AutostopRefusedForTheOperatorRunsAsTheConsolesOwnUser)
     EXPECT_EQ(Count(Record::Syslog, "]: Unable to execute command helmq helmnode/autostartmanager/autostop using "
                                     "user root. Using user lanyx"),
               1u);
-    EXPECT_EQ(ToolRuns("helmq"), std::vector<std::string>{"-U lanyx helmnode/autostartmanager/autostop"});
+    EXPECT_EQ(root->ToolRuns("helmq"), std::vector<std::string>{"-U lanyx helmnode/autostartmanager/autostop"});
     EXPECT_FALSE(State()["autostartManager"].value("running", true));
 }
 
@@ -276,7 +250,6 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
             root->Fault(c.faultAfterMenu);
 
         ASSERT_TRUE(Press(Keys::Enter, "<Space> Toggle Selected"));
-        EXPECT_TRUE(console->Find("When enabled, lockdown mode prevents users from logging"));
         EXPECT_TRUE(console->Find(c.tickedAtOpen ? "[X] Enable lockdown mode" : "[ ] Enable lockdown mode"))
             << console->Describe();
         for (std::string_view key : c.keys) {
@@ -293,7 +266,7 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
             << console->Describe();
         EXPECT_EQ(State()["lockdown"].value("enabled", !c.enabledAfter), c.enabledAfter);
         std::vector<std::string> runs;
-        for (const std::string& run : ToolRuns("helmq"))
+        for (const std::string& run : root->ToolRuns("helmq"))
             if (run.find("lockdown_mode") != std::string::npos)
                 runs.push_back(run);
         EXPECT_EQ(runs, c.lockdownRuns);
@@ -315,9 +288,6 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     root->Set("lockdown-enabled", "true");
     root->Set("ssh-running", "true");
     ASSERT_TRUE(Press(Keys::Enter, "Reset System Configuration now?"));
-    EXPECT_TRUE(console->Find("Reset System Configuration: Confirm"));
-    EXPECT_TRUE(console->Find("Warning! All system parameters"));
-    EXPECT_TRUE(console->Find("<F11> OK  <Esc> Cancel"));
     // Enter is no answer here.
     ASSERT_TRUE(session->Key(Keys::Enter));
     console->Pump(300ms);
@@ -325,8 +295,6 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
 
     ASSERT_TRUE(session->Key(Keys::F(11)));
     ASSERT_TRUE(console->WaitForText("Default settings are restored. Press <Enter> to"));
-    EXPECT_TRUE(console->Find("restart your host."));
-    EXPECT_TRUE(console->Find("<Enter> Restart Host"));
     EXPECT_FALSE(console->Find("Reset System Configuration now?"));
     EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), 1u);
     EXPECT_EQ(Count(Record::Notad, "@&!*@*@(nota.user.lanyx.restore.factory.defaults)Restoring factory defaults"), 1u);
@@ -335,7 +303,7 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     EXPECT_FALSE(state["lockdown"].value("enabled", true));
     EXPECT_FALSE(state["services"]["SSH"].value("running", true));
     EXPECT_TRUE(state["guests"].empty());
-    EXPECT_EQ(ToolRuns("factoryState.py"), std::vector<std::string>{"--reset-only"});
+    EXPECT_EQ(root->ToolRuns("factoryState.py"), std::vector<std::string>{"--reset-only"});
     EXPECT_EQ(state["power"].value("state", ""), "on") << "not restarted before Enter";
 
     for (std::string_view key : {Keys::Escape, Keys::F(11), std::string_view(" ")})
@@ -384,48 +352,6 @@ TEST_F(SystemOps, ResetThatDoesNotHappen)
         EXPECT_EQ(root->Lines(Record::Notad).size(), c.records);
         EXPECT_EQ(State()["host"].value("hostname", ""), "changed-host");
         EXPECT_TRUE(State()["power"]["history"].empty());
-    }
-}
-
-// ---------------------------------------------------------------- the idle limit
-
-TEST_F(SystemOps, IdleLimitEndsTheSessionInsideEachDialog)
-{
-    // 120 seconds of the console's clock pass in 6 real ones.
-    struct Case {
-        std::string name;
-        bool fromMenu;      // else from the welcome screen's F12
-        std::string entry;  // menu entry
-        std::vector<std::string_view> keys;
-        std::string shown;  // what stands when the limit strikes
-        std::string powerState;
-        std::string hostname; // after the limit
-    };
-    const std::vector<Case> cases = {
-        {"shutdown dialog", false, "", {}, kShutdownFooter, "on", "changed-host"},
-        {"waiting for the host to go down", false, "", {Keys::F(2)}, "Shutdown in progress...", "off", "changed-host"},
-        {"lockdown dialog", true, "Configure Lockdown Mode", {Keys::Enter}, "<Space> Toggle Selected", "on",
-         "changed-host"},
-        {"reset question", true, "Reset System Configuration", {Keys::Enter}, "Reset System Configuration now?", "on",
-         "changed-host"},
-        // Reset, not restarted.
-        {"restart question", true, "Reset System Configuration", {Keys::Enter, Keys::F(11)},
-         "Default settings are restored.", "on", "lanyx-lab01"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        Console* console =
-            c.fromMenu ? OpenMenuAt(c.entry, "120", "+0 x20") : OpenShutdown("120", "+0 x20");
-        root->Set("hostname", "changed-host");
-        for (std::string_view key : c.keys)
-            ASSERT_TRUE(Press(key, key == c.keys.back() ? c.shown : "Reset System Configuration now?"));
-        ASSERT_TRUE(root->WaitForLine(Record::Syslog, kTimedOut, 20s));
-        ASSERT_TRUE(session->AwaitWelcome());
-        EXPECT_TRUE(root->WaitForLine(Record::Audit,
-                                      "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
-        EXPECT_EQ(State()["power"].value("state", ""), c.powerState);
-        EXPECT_EQ(State()["host"].value("hostname", ""), c.hostname);
-        EXPECT_TRUE(console->Running());
     }
 }
 

@@ -18,12 +18,6 @@ namespace {
 constexpr int kTop = 4, kListColumn = 3, kDetailColumn = 42;
 constexpr const char* kMenuTitle = "Troubleshooting Mode Options";
 
-std::string Trimmed(std::string text)
-{
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
-}
-
 std::string Column(const Console& console, int column, int width, int rows = 18)
 {
     std::string text;
@@ -52,31 +46,8 @@ bool Greyed(const Console& console, int line)
     return s.Screen().WaitForText(kMenuTitle);
 }
 
-::testing::AssertionResult Press(Session& s, std::initializer_list<std::string_view> keys)
-{
-    for (std::string_view key : keys)
-        if (!s.Key(key))
-            return ::testing::AssertionFailure() << "a key was not sent";
-    return s.Settle();
-}
-
 json Service(const HostRoot& host, const char* name) { return host.State()["services"][name]; }
 bool SshPortsOpen(const HostRoot& host) { return host.State()["firewall"]["sshServer"]["enabled"].get<bool>(); }
-
-// "helmq -U <user> <command>" for each change the host agent made.
-std::vector<std::string> AgentRuns(const HostRoot& host)
-{
-    std::vector<std::string> runs;
-    for (const json& record : host.State().value("toolRecords", json::array())) {
-        if (record["tool"] != "helmq")
-            continue;
-        std::string line = "helmq";
-        for (const json& arg : record["args"])
-            line += " " + arg.get<std::string>();
-        runs.push_back(line);
-    }
-    return runs;
-}
 
 // ---------------------------------------------------------------- lines and panes
 
@@ -94,35 +65,26 @@ TEST(Troubleshooting, LinesPanesAndFooters)
     for (int line = 0; line < 5; ++line)
         EXPECT_FALSE(Greyed(console, line)) << line;
 
-    struct Pane {
-        std::string title, detail, footer;
-    };
-    const std::vector<Pane> panes = {
-        {"Ostra Shell", "Ostra Shell is Disabled\n\nChange current state of the Ostra\nShell", "Change"},
-        {"SSH Support", "SSH is Disabled\n\nChange current state of SSH", "Change"},
-        // One word too long for the title line, which breaks before it.
-        {"Modify Ostra Shell and SSH",
-         "Modify the number of minutes that\ncan elapse before you must log in", "Change"},
-        {"Modify LANYX idle timeout", "Modify the number of idle minutes\nthat can elapse before you must log", "Change"},
-        {"Restart Management Agents", "The management agents are the\nprograms that allow remote", "Restart"},
-    };
-    for (size_t line = 0; line < panes.size(); ++line) {
-        SCOPED_TRACE(panes[line].title);
+    EXPECT_TRUE(Detail(console).starts_with("Ostra Shell is Disabled")) << Detail(console);
+    // Each line's pane; the agents' line alone restarts rather than changes.
+    const std::vector<std::string> titles = {"Ostra Shell", "SSH Support", "Modify Ostra Shell and SSH",
+                                             "Modify LANYX idle timeout", "Restart Management Agents"};
+    for (size_t line = 0; line < titles.size(); ++line) {
+        SCOPED_TRACE(titles[line]);
         if (line > 0) {
-            ASSERT_TRUE(Press(s, {Keys::Down}));
+            ASSERT_TRUE(s.Press({Keys::Down}));
         }
-        EXPECT_EQ(s.RightTitle(), panes[line].title);
-        EXPECT_TRUE(Detail(console).starts_with(panes[line].detail)) << Detail(console);
-        const std::string footer = "<Enter> " + panes[line].footer;
-        EXPECT_EQ(RightFooter(console), footer + std::string(37 - footer.size() - 10, ' ') + "<Esc> Exit");
+        EXPECT_EQ(s.RightTitle(), titles[line]);
+        EXPECT_EQ(RightFooter(console).starts_with("<Enter> Restart"), line == 4) << RightFooter(console);
     }
+    EXPECT_TRUE(Detail(console).starts_with("The management agents are the")) << Detail(console);
     // Down on the last line and letters change nothing; Esc goes back to the main menu.
-    ASSERT_TRUE(Press(s, {Keys::Down, "x", Keys::Tab}));
+    ASSERT_TRUE(s.Press({Keys::Down, "x", Keys::Tab}));
     EXPECT_EQ(s.RightTitle(), "Restart Management Agents");
-    ASSERT_TRUE(Press(s, {Keys::Escape}));
+    ASSERT_TRUE(s.Press({Keys::Escape}));
     EXPECT_TRUE(console.WaitForText("System Customization"));
     EXPECT_EQ(s.RightTitle(), "Troubleshooting Options");
-    EXPECT_TRUE(AgentRuns(s.Host()).empty());
+    EXPECT_TRUE(s.Host().ToolRuns("helmq").empty());
 }
 
 TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine)
@@ -133,36 +95,36 @@ TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine)
     ASSERT_TRUE(OpenMenu(s));
 
     // Shell on: its label, its pane, the host, and the time-outs greyed and skipped.
-    ASSERT_TRUE(Press(s, {Keys::Enter}));
+    ASSERT_TRUE(s.Press({Keys::Enter}));
     EXPECT_EQ(Trimmed(console.Text(kTop, kListColumn, 36)), "Disable Ostra Shell");
     EXPECT_TRUE(Detail(console).starts_with("Ostra Shell is Enabled")) << Detail(console);
     EXPECT_EQ(Service(host, "OstraShell"), json({{"running", true}, {"enabled", true}}));
     EXPECT_TRUE(Greyed(console, 2));
-    ASSERT_TRUE(Press(s, {Keys::Down, Keys::Down}));
+    ASSERT_TRUE(s.Press({Keys::Down, Keys::Down}));
     EXPECT_EQ(s.RightTitle(), "Modify LANYX idle timeout") << "the greyed line is passed over";
 
     // SSH on as well: the agent opens its ports with it.
-    ASSERT_TRUE(Press(s, {Keys::Up, Keys::Enter}));
+    ASSERT_TRUE(s.Press({Keys::Up, Keys::Enter}));
     EXPECT_EQ(Trimmed(console.Text(kTop + 1, kListColumn, 36)), "Disable SSH");
     EXPECT_EQ(Service(host, "SSH"), json({{"running", true}, {"enabled", true}}));
     EXPECT_TRUE(SshPortsOpen(host));
 
     // Shell off while SSH runs: still greyed. SSH off too: the line comes back and can be reached.
-    ASSERT_TRUE(Press(s, {Keys::Up, Keys::Enter}));
+    ASSERT_TRUE(s.Press({Keys::Up, Keys::Enter}));
     EXPECT_EQ(Trimmed(console.Text(kTop, kListColumn, 36)), "Enable Ostra Shell");
     EXPECT_TRUE(Greyed(console, 2));
-    ASSERT_TRUE(Press(s, {Keys::Down, Keys::Enter}));
+    ASSERT_TRUE(s.Press({Keys::Down, Keys::Enter}));
     EXPECT_EQ(Trimmed(console.Text(kTop + 1, kListColumn, 36)), "Enable SSH");
     EXPECT_FALSE(Greyed(console, 2));
     EXPECT_FALSE(SshPortsOpen(host));
-    ASSERT_TRUE(Press(s, {Keys::Down}));
+    ASSERT_TRUE(s.Press({Keys::Down}));
     EXPECT_TRUE(s.RightTitle().starts_with("Modify Ostra Shell and SSH"));
 
-    EXPECT_EQ(AgentRuns(host), (std::vector<std::string>{
-                                   "helmq -U root helmnode/start_ostra_shell", "helmq -U root helmnode/enable_ostra_shell",
-                                   "helmq -U root helmnode/start_ssh", "helmq -U root helmnode/enable_ssh",
-                                   "helmq -U root helmnode/stop_ostra_shell", "helmq -U root helmnode/disable_ostra_shell",
-                                   "helmq -U root helmnode/stop_ssh", "helmq -U root helmnode/disable_ssh"}));
+    EXPECT_EQ(host.ToolRuns("helmq"), (std::vector<std::string>{
+                                   "-U root helmnode/start_ostra_shell", "-U root helmnode/enable_ostra_shell",
+                                   "-U root helmnode/start_ssh", "-U root helmnode/enable_ssh",
+                                   "-U root helmnode/stop_ostra_shell", "-U root helmnode/disable_ostra_shell",
+                                   "-U root helmnode/stop_ssh", "-U root helmnode/disable_ssh"}));
     EXPECT_TRUE(host.Messages("user.warning").empty());
     const std::vector<std::string> toggles = {"User root enabled Ostra Shell", "User root enabled SSH",
                                               "User root disabled Ostra Shell", "User root disabled SSH"};
@@ -181,7 +143,7 @@ TEST(Troubleshooting, RunningServicesShownOnAndTimeoutsGreyed)
     EXPECT_EQ(List(console), "Enable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
                              "Modify LANYX idle timeout\nRestart Management Agents");
     EXPECT_TRUE(Greyed(console, 2));
-    ASSERT_TRUE(Press(s, {Keys::Down}));
+    ASSERT_TRUE(s.Press({Keys::Down}));
     EXPECT_TRUE(Detail(console).starts_with("SSH is Enabled")) << Detail(console);
 }
 
@@ -203,8 +165,8 @@ TEST(Troubleshooting, TogglesGetRoundAFailingAgent)
          {"info Unable to execute command helmq helmnode/start_ostra_shell using user root. Using user lanyx",
           "info Unable to execute command helmq helmnode/start_ssh using user root. Using user lanyx"},
          true, true, true,
-         {"helmq -U lanyx helmnode/start_ostra_shell", "helmq -U lanyx helmnode/enable_ostra_shell",
-          "helmq -U lanyx helmnode/start_ssh", "helmq -U lanyx helmnode/enable_ssh"}},
+         {"-U lanyx helmnode/start_ostra_shell", "-U lanyx helmnode/enable_ostra_shell",
+          "-U lanyx helmnode/start_ssh", "-U lanyx helmnode/enable_ssh"}},
         {"no agent tool: the init scripts, and the firewall by hand",
          {.faults = {{"tool", "helmq", "absent"}}},
          {"warning Unable to run helmq to start/stop Ostra Shell",
@@ -226,7 +188,7 @@ TEST(Troubleshooting, TogglesGetRoundAFailingAgent)
         HostRoot& host = s.Host();
         ASSERT_TRUE(OpenMenu(s));
         host.Mark();
-        ASSERT_TRUE(Press(s, {Keys::Enter, Keys::Down, Keys::Enter}));
+        ASSERT_TRUE(s.Press({Keys::Enter, Keys::Down, Keys::Enter}));
         // Nothing on the screen tells of the failure: the labels flip.
         EXPECT_EQ(List(console), "Disable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
                                  "Modify LANYX idle timeout\nRestart Management Agents");
@@ -240,52 +202,8 @@ TEST(Troubleshooting, TogglesGetRoundAFailingAgent)
         EXPECT_EQ(Service(host, "OstraShell"), json({{"running", true}, {"enabled", c.shellEnabled}}));
         EXPECT_EQ(Service(host, "SSH"), json({{"running", true}, {"enabled", c.sshEnabled}}));
         EXPECT_EQ(SshPortsOpen(host), c.portsOpen);
-        EXPECT_EQ(AgentRuns(host), c.agentRuns);
+        EXPECT_EQ(host.ToolRuns("helmq"), c.agentRuns);
     }
-}
-
-// ---------------------------------------------------------------- time-out dialogs
-
-TEST(Troubleshooting, ShellTimeoutsSetThroughTheHostTools)
-{
-    Session s;
-    Console& console = s.Screen();
-    HostRoot& host = s.Host();
-    ASSERT_TRUE(OpenMenu(s));
-    ASSERT_TRUE(Press(s, {Keys::Down, Keys::Down, Keys::Enter}));
-    ASSERT_TRUE(console.WaitForText("Set the timeouts for Ostra Shell access (local and remote)"));
-    EXPECT_TRUE(console.Find("Availability timeout"));
-    EXPECT_TRUE(console.CursorVisible());
-    // Letters do nothing, the first digit replaces the value; 1441 is refused with a message,
-    // and the idle value still goes to the host.
-    ASSERT_TRUE(Press(s, {"a", "1", "4", "4", "1", Keys::Down, "9", Keys::Enter}));
-    EXPECT_TRUE(console.Find("Timeout value must be between 0 (disabled) and 1440 minutes")) << console.Describe();
-    ASSERT_TRUE(Press(s, {Keys::Enter}));
-    EXPECT_TRUE(console.WaitForText(kMenuTitle));
-    EXPECT_FALSE(console.CursorVisible());
-    const json options = host.State()["advancedOptions"];
-    EXPECT_EQ(options["/UserVars/OstraShellTimeOut"]["value"], 0);
-    EXPECT_EQ(options["/UserVars/OstraShellInteractiveTimeOut"]["value"], 540);
-    EXPECT_EQ(host.Matching(Record::Syslog, "]: Modified shell interactive timeout to 9 minutes").size(), 1u);
-    EXPECT_TRUE(host.Matching(Record::Syslog, "Shell timeout").empty());
-}
-
-TEST(Troubleshooting, ConsoleTimeoutStoredAndEscapeKeepsIt)
-{
-    Session s("default", {.settings = {{"lanyx-timeout", "900"}}});
-    Console& console = s.Screen();
-    HostRoot& host = s.Host();
-    ASSERT_TRUE(OpenMenu(s));
-    ASSERT_TRUE(s.OpenEntry("Modify LANYX idle timeout"));
-    ASSERT_TRUE(console.WaitForText("Set idle timeout for LANYX access"));
-    EXPECT_TRUE(console.Find("[ 15"));
-    ASSERT_TRUE(Press(s, {"3", Keys::Escape}));
-    EXPECT_TRUE(console.WaitForText(kMenuTitle));
-    EXPECT_EQ(host.State()["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 900);
-    ASSERT_TRUE(Press(s, {Keys::Enter, "2", "5", Keys::Enter}));
-    EXPECT_TRUE(console.WaitForText(kMenuTitle));
-    EXPECT_EQ(host.State()["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 1500);
-    EXPECT_EQ(host.Matching(Record::Syslog, "]: Modified Lanyx timeout to 25 minutes").size(), 1u);
 }
 
 } // namespace

@@ -102,18 +102,6 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
     EXPECT_FALSE(state["faults"]["tool"].contains("helmq"));
     EXPECT_TRUE(state["faults"]["lib"].contains("SmartCardInfoImpl::GetToken"));
 
-    // An absent tool is gone from the root until its fault is cleared, by name or with all.
-    for (const std::vector<std::string>& clear : {std::vector<std::string>{"clear", "poweroff"},
-                                                  std::vector<std::string>{"clear"}}) {
-        EXPECT_EQ(Hostsim({"fault", root.Path(), "tool", "poweroff", "absent"}).status, 0);
-        EXPECT_FALSE(std::filesystem::exists(root.Path() + "/bin/poweroff"));
-        EXPECT_FALSE(std::filesystem::exists(root.Path() + "/sbin/poweroff"));
-        std::vector<std::string> args = {"fault", root.Path()};
-        args.insert(args.end(), clear.begin(), clear.end());
-        EXPECT_EQ(Hostsim(args).status, 0);
-        EXPECT_TRUE(std::filesystem::exists(root.Path() + "/bin/poweroff"));
-        EXPECT_TRUE(std::filesystem::exists(root.Path() + "/sbin/poweroff"));
-    }
     // The reset script's factory copy is the configuration as made.
     state = HostSim::StateStore(root.Path()).Read();
     EXPECT_EQ(state["factory"]["host"], state["host"]);

@@ -3,7 +3,6 @@
 #include <cctype>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -91,22 +90,6 @@ TEST(Platform, FaultsMakeTheNamedOperationFail) {
               "node broken");
     EXPECT_EQ(ThrownText([] { TesselCtl::Util::TesselCtl_Exec("true", false, true, false); }), "exec broken");
     EXPECT_NE(NotaUserLib_Init(), 0);
-}
-
-TEST(Platform, AdvancedOptionsReadAndWriteTheState) {
-    TempRoot root("");
-    HostSim::StateStore(root.Path()).Write(SmallState());
-    using TesselCtl::Adv::AdvancedOptionImpl;
-    std::unique_ptr<Keelson::Adv::AdvancedOption> option(AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"));
-    auto* integer = dynamic_cast<Keelson::Adv::AdvancedIntegerOption*>(option.get());
-    ASSERT_NE(integer, nullptr);
-    EXPECT_EQ(integer->GetValue(), 600);
-    integer->SetValue(1200);
-    EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 1200);
-    EXPECT_THROW(integer->SetValue(-5), KeelsonException);
-    EXPECT_EQ(integer->GetValue(), 1200);
-
-    EXPECT_EQ(AdvancedOptionImpl::FindOption("/UserVars/Nothing"), nullptr);
 }
 
 TEST(Platform, ExecRunsTheLineAndGivesItsStatus) {

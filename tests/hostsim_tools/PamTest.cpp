@@ -30,7 +30,6 @@ std::string Hash(const std::string& password) {
 struct Conversation {
     std::deque<std::string> answers;
     Strings prompts;
-    bool sawError = false;
     int largestCall = 0;
 
     static int Converse(int count, const pam_message** messages, pam_response** responses, void* data) {
@@ -39,7 +38,6 @@ struct Conversation {
         auto* list = static_cast<pam_response*>(std::calloc(static_cast<size_t>(count), sizeof(pam_response)));
         for (int i = 0; i < count; ++i) {
             const std::string text = messages[i]->msg ? messages[i]->msg : "";
-            self->sawError |= messages[i]->msg_style == PAM_ERROR_MSG && !text.empty();
             if (messages[i]->msg_style == PAM_PROMPT_ECHO_OFF) {
                 self->prompts.push_back(text);
                 if (!self->answers.empty()) {
@@ -73,9 +71,8 @@ protected:
             file << type << " required " << PAM_MODULE << " " << arguments << "\n";
     }
 
-    // Authentication and account check as the console's login does; given a new password too, its
-    // change and the credentials' refresh as the console's password change does.
-    int Login(const std::string& user, const Strings& answers, Conversation& conversation, int flags = PAM_SILENT) {
+    // Authentication and account check as the console's login does.
+    int Login(const std::string& user, const Strings& answers, Conversation& conversation) {
         conversation.answers.assign(answers.begin(), answers.end());
         const pam_conv conv = {Conversation::Converse, &conversation};
         pam_handle_t* handle = nullptr;
@@ -83,8 +80,6 @@ protected:
         const auto going = [&result] { return result == PAM_SUCCESS || result == PAM_NEW_AUTHTOK_REQD; };
         if (result == PAM_SUCCESS) result = pam_authenticate(handle, PAM_SILENT);
         if (going()) result = pam_acct_mgmt(handle, PAM_SILENT);
-        if (answers.size() > 1 && going()) result = pam_chauthtok(handle, flags);
-        if (answers.size() > 1 && result == PAM_SUCCESS) result = pam_setcred(handle, PAM_REFRESH_CRED);
         if (handle) pam_end(handle, result);
         return result;
     }
@@ -95,13 +90,6 @@ protected:
         EXPECT_EQ(conversation.prompts, Strings({"Password: "})) << "the password asked once";
         return result;
     }
-    json Account(const std::string& name) {
-        const json state = root_.State();
-        for (const auto& account : state["accounts"])
-            if (account["name"] == name) return account;
-        return nullptr;
-    }
-
     LanyxTest::HostRoot root_{""};
 };
 
@@ -121,31 +109,6 @@ TEST_F(PamTest, ServiceFileWithoutRootOrWithADamagedStateFails) {
     WriteService("root=" + root_.Path());
     std::ofstream(HostSim::StateStore(root_.Path()).StatePath()) << "[broken";
     EXPECT_EQ(Login("root", {"lanyx-Root1"}, conversation), PAM_AUTHINFO_UNAVAIL);
-}
-
-TEST_F(PamTest, PasswordChangeRefusesMismatchWeakPasswordsAndAWrongOldOne) {
-    const json before = Account("root");
-    Conversation mismatch;
-    EXPECT_EQ(Login("root", {"lanyx-Root1", "Better-Pass2", "Better-Pass3"}, mismatch, 0), PAM_AUTHTOK_ERR);
-    EXPECT_TRUE(mismatch.sawError);
-    EXPECT_EQ(mismatch.prompts, Strings({"Password: ", "New password: ", "Retype new password: "}));
-
-    Conversation weak; // two classes only
-    EXPECT_EQ(Login("root", {"lanyx-Root1", "lowerUPPER", "lowerUPPER"}, weak, 0), PAM_AUTHTOK_ERR);
-    EXPECT_TRUE(weak.sawError);
-    Conversation wrongOld;
-    EXPECT_EQ(Login("root", {"not-it", "Better-Pass2", "Better-Pass2"}, wrongOld), PAM_AUTH_ERR);
-    EXPECT_EQ(Account("root"), before);
-}
-
-TEST_F(PamTest, PasswordChangeStoresANewHashAndEndsTheExpiry) {
-    Conversation conversation;
-    ASSERT_EQ(Login("expired", {"expired-Pass1", "lowerUPPER9", "lowerUPPER9"}, conversation), PAM_SUCCESS);
-    EXPECT_EQ(Account("expired")["hash"].get<std::string>().rfind("$6$", 0), 0u);
-    EXPECT_FALSE(Account("expired")["expired"].get<bool>());
-    EXPECT_EQ(CheckLogin("expired", "expired-Pass1"), PAM_AUTH_ERR);
-    EXPECT_EQ(CheckLogin("expired", "lowerUPPER9"), PAM_SUCCESS);
-    EXPECT_EQ(CheckLogin("root", "lanyx-Root1"), PAM_SUCCESS);
 }
 
 } // namespace

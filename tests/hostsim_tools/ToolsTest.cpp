@@ -6,7 +6,6 @@
 #include <fstream>
 #include <functional>
 #include <thread>
-#include <tuple>
 
 #include "HostRoot.hpp"
 #include "store/StateStore.hpp"
@@ -128,16 +127,6 @@ TEST_F(ToolsTest, OstraqBuildsSwitchesOnlyFromFreeUplinks) {
     EXPECT_EQ(state["switches"][1]["uplinks"], json::array({"hwport0"}));
 }
 
-TEST_F(ToolsTest, AdvancedOptionsAreSetWithinTheirRangeAndReadBack) {
-    const std::string option = "/UserVars/OstraShellTimeOut";
-    const Args get = {"ostra-tune", "-q", "-g", option};
-    EXPECT_EQ(Tool(get).out, "600\n");
-    for (const auto& [tool, value, status] : {std::tuple{"ostraq", "86400", 0}, std::tuple{"benchq", "60", 0},
-                                              std::tuple{"ostraq", "86401", 1}})
-        EXPECT_EQ(Status({tool, "system", "settings", "advanced", "set", "-o", option, "-i", value}), status) << value;
-    EXPECT_EQ(Tool(get).out, "60\n");
-}
-
 TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
     const Args query = {"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"};
     struct Case {
@@ -159,30 +148,6 @@ TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
     // The fault is the tool's alone.
     EXPECT_EQ(Status({"poweroff"}), 0);
     EXPECT_EQ(State()["power"]["state"], "off");
-}
-
-// What the power, reset and agent tools leave is what the console's next read sees.
-TEST_F(ToolsTest, HostWideToolsChangeTheState) {
-    Change([](json& s) {
-        s["guests"] = json::array({{{"name", "a"}, {"running", true}}, {{"name", "b"}, {"running", false}}});
-        s["factory"] = {{"lockdown", {{"enabled", false}, {"possible", true}}}, {"guests", json::array()}};
-        s["lockdown"]["enabled"] = true;
-    });
-    EXPECT_EQ(Status({"helmq", "-U", "root", "helmnode/autostartmanager/autostop"}), 0);
-    EXPECT_FALSE(State()["autostartManager"]["running"].get<bool>());
-    EXPECT_EQ(Tool({"haltGuests", "--terminate"}).out, "Terminated 1 virtual machine(s)\n");
-    EXPECT_FALSE(State()["guests"][0]["running"].get<bool>());
-    EXPECT_EQ(State()["toolRecords"].back()["args"], json::array({"--terminate"}));
-    EXPECT_EQ(Status({"reboot", "-f"}), 0);
-    EXPECT_EQ(State()["power"]["state"], "rebooting");
-    EXPECT_EQ(State()["power"]["history"].back()["args"], json::array({"-f"}));
-    EXPECT_EQ(Status({"stateSave.sh", "0"}), 0);
-    EXPECT_EQ(State()["stateSaved"]["level"], 0);
-
-    EXPECT_EQ(Status({"factoryState.py", "--reset-only"}), 0);
-    EXPECT_FALSE(State()["lockdown"]["enabled"].get<bool>());
-    EXPECT_TRUE(State()["guests"].empty());
-    EXPECT_EQ(State()["power"]["state"], "rebooting") << "what is no configuration stays";
 }
 
 TEST_F(ToolsTest, LiveCoreWaitsForTheAgentOnlyWhenAsked) {

@@ -36,18 +36,7 @@ int64_t OptionValue(const char* name)
     return Option(state, name)["value"].get<int64_t>();
 }
 
-// "tool arg arg ..." for each change a host tool made, in order.
-std::vector<std::string> ToolRuns()
-{
-    std::vector<std::string> runs;
-    for (const json& record : program->Host().State().value("toolRecords", json::array())) {
-        std::string line = record["tool"].get<std::string>();
-        for (const json& arg : record["args"])
-            line += " " + arg.get<std::string>();
-        runs.push_back(line);
-    }
-    return runs;
-}
+std::vector<std::string> ToolRuns() { return program->Host().ToolRuns(); }
 
 class TimeoutDialogs : public ::testing::Test {
 protected:

@@ -10,6 +10,7 @@
 // its chance to.
 #pragma once
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,6 +26,8 @@ namespace LanyxE2E {
 
 inline constexpr const char* kRootPassword = "lanyx-Root1";
 inline constexpr const char* kWelcomeReady = "To manage this host, go to:";
+
+inline std::string Trimmed(std::string text) { return text.erase(text.find_last_not_of(' ') + 1); }
 
 struct SessionOptions {
     std::vector<std::pair<std::string, std::string>> settings{}; // `hostsim set` before the start
@@ -51,6 +54,14 @@ public:
     bool Type(std::string_view text) { return console_->Type(text); }
     // Waits until the console reads keys again, its screen complete.
     ::testing::AssertionResult Settle() { return console_->WaitUntilReading(); }
+    // The keys in turn, then Settle.
+    ::testing::AssertionResult Press(std::initializer_list<std::string_view> keys)
+    {
+        for (std::string_view key : keys)
+            if (!Key(key))
+                return ::testing::AssertionFailure() << "a key was not sent";
+        return Settle();
+    }
 
     // The welcome screen standing whole (also after a session ends).
     ::testing::AssertionResult AwaitWelcome();
