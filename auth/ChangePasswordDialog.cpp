@@ -26,26 +26,25 @@ enum Field : uint32_t { OldField = 0, NewField = 1, ConfirmField = 2 };
 
 } // namespace
 
-ChangePasswordDialog::ChangePasswordDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTitleHeight)
-{
+ChangePasswordDialog::ChangePasswordDialog(Frame* owner)
+    : FormDialog(owner, kWidth, kHeight, kTitleHeight) {
     CreateList();
     oldItem = AddField(CatalogueText(Ids::OldPassword), "", kFieldWidth, Filters::Printable);
     newItem = AddField(CatalogueText(Ids::NewPassword), "", kFieldWidth, Filters::Printable);
-    confirmItem = AddField(CatalogueText(Ids::ConfirmPassword), "", kFieldWidth, Filters::Printable);
+    confirmItem =
+        AddField(CatalogueText(Ids::ConfirmPassword), "", kFieldWidth, Filters::Printable);
     for (InputItem* field : {oldItem, newItem, confirmItem})
         field->masked = true;
     ShowItems();
 }
 
-void ChangePasswordDialog::Open()
-{
+void ChangePasswordDialog::Open() {
     SetTitle(CatalogueText(Ids::PasswordTitle));
     SetMessage(CatalogueText(Ids::PasswordMessage));
     SetFooter(Footers::kOkCancel);
 }
 
-FormDialog::KeyResult ChangePasswordDialog::HandleKey(int key)
-{
+FormDialog::KeyResult ChangePasswordDialog::HandleKey(int key) {
     const uint32_t field = list->GetSelectedOrdinal();
     const bool forward = key == Keys::Enter || key == Keys::Tab || key == Keys::Down;
     if (field == OldField && forward) {
@@ -63,8 +62,7 @@ FormDialog::KeyResult ChangePasswordDialog::HandleKey(int key)
     return KeyResult::Continue;
 }
 
-void ChangePasswordDialog::CheckOldPassword()
-{
+void ChangePasswordDialog::CheckOldPassword() {
     const int result = PamCheckLogin(loginUser, oldItem->GetValue());
     // An expired password is still the right one: changing it is the point.
     if (result == PAM_SUCCESS || result == PAM_NEW_AUTHTOK_REQD) {
@@ -76,16 +74,14 @@ void ChangePasswordDialog::CheckOldPassword()
     Redraw();
 }
 
-void ChangePasswordDialog::ResetNewPassword(uint32_t messageId)
-{
+void ChangePasswordDialog::ResetNewPassword(uint32_t messageId) {
     Reject(NewField, Ids::PasswordErrorTitle, messageId);
     newItem->SetValue("");
     confirmItem->SetValue("");
     Redraw();
 }
 
-bool ChangePasswordDialog::Accept()
-{
+bool ChangePasswordDialog::Accept() {
     const std::string& newText = newItem->GetValue();
     if (newText != confirmItem->GetValue()) {
         ResetNewPassword(Ids::PasswordsDiffer);
@@ -109,23 +105,22 @@ bool ChangePasswordDialog::Accept()
     return true;
 }
 
-bool ChangePasswordDialog::ChangePassword()
-{
+bool ChangePasswordDialog::ChangePassword() {
     return PamChangePassword(loginUser, oldItem->GetValue(), newItem->GetValue());
 }
 
-void ChangePasswordDialog::StoreAndRecord()
-{
+void ChangePasswordDialog::StoreAndRecord() {
     // The password has changed on the running host whatever follows; a failed store only
     // risks it not surviving a reboot, which the operator is told.
-    GuardedStep([] { Keelson::Authentication::StoreUserAccountsToCs(); },
-                [this](const Keelson::Lib::KeelsonException& e) {
-                    Log(LOG_WARNING,
-                        "Error while storing user account information to persistent storage. The new "
-                        "information may not be available after reboot. Error: %s",
-                        e.what());
-                    MessageDialog(this, Ids::PasswordErrorTitle, Ids::AccountStoreFailed).RunModal();
-                });
+    GuardedStep(
+        [] { Keelson::Authentication::StoreUserAccountsToCs(); },
+        [this](const Keelson::Lib::KeelsonException& e) {
+            Log(LOG_WARNING,
+                "Error while storing user account information to persistent storage. The new "
+                "information may not be available after reboot. Error: %s",
+                e.what());
+            MessageDialog(this, Ids::PasswordErrorTitle, Ids::AccountStoreFailed).RunModal();
+        });
     const char* const stateSave[] = {"stateSave.sh", "0", nullptr};
     RunCommand("/sbin/stateSave.sh", stateSave);
     HelmqRefresh();

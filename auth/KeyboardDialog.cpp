@@ -21,8 +21,7 @@ constexpr const char* kFooter =
 
 } // namespace
 
-KeyboardDialog::KeyboardDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTitleHeight)
-{
+KeyboardDialog::KeyboardDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTitleHeight) {
     const std::string current = systemInfo.GetKeyboardLayout();
     layouts = systemInfo.GetKeyboardLayouts();
     std::vector<RadioItem*> radios;
@@ -38,16 +37,14 @@ KeyboardDialog::KeyboardDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight
     CreateList();
 }
 
-void KeyboardDialog::Open()
-{
+void KeyboardDialog::Open() {
     SetTitle(CatalogueText(Ids::ConfigureKeyboard));
     SetMessage(CatalogueText(Ids::KeyboardMessage));
     ShowItems();
     SetFooter(kFooter);
 }
 
-FormDialog::KeyResult KeyboardDialog::HandleKey(int key)
-{
+FormDialog::KeyResult KeyboardDialog::HandleKey(int key) {
     if (key != ' ')
         return FormDialog::HandleKey(key);
     if (!items.empty()) {
@@ -59,8 +56,7 @@ FormDialog::KeyResult KeyboardDialog::HandleKey(int key)
     return KeyResult::Continue;
 }
 
-bool KeyboardDialog::Accept()
-{
+bool KeyboardDialog::Accept() {
     if (layouts.empty())
         return false;
     const std::string& name = layouts[chosen];

@@ -6,8 +6,8 @@
 #include "core/Keys.hpp"
 #include "host/CommandRunner.hpp"
 #include "host/Log.hpp"
-#include "text/Footers.hpp"
 #include "text/CatalogueIds.hpp"
+#include "text/Footers.hpp"
 
 namespace Lanyx {
 
@@ -20,20 +20,19 @@ constexpr int kCapture = 255;
 
 } // namespace
 
-LockdownDialog::LockdownDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight)
-{
+LockdownDialog::LockdownDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {
     // A query that fails counts as "not enabled".
     enabled = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
     lockdownItem = std::make_unique<CheckItem>(CatalogueText(Ids::EnableLockdown), enabled);
     items.push_back(lockdownItem.get());
-    itemList = new ItemList(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight());
+    itemList =
+        new ItemList(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight());
     itemList->SetItems(items);
 }
 
 LockdownDialog::~LockdownDialog() = default;
 
-bool LockdownDialog::RunLockdownCommand(const char* command, std::string& errorText)
-{
+bool LockdownDialog::RunLockdownCommand(const char* command, std::string& errorText) {
     const char* const argv[] = {"helmq", "-U", lanyxUser.c_str(), command, nullptr};
     char out[kCapture];
     char err[kCapture];
@@ -44,8 +43,7 @@ bool LockdownDialog::RunLockdownCommand(const char* command, std::string& errorT
     return result == 0;
 }
 
-bool LockdownDialog::Execute()
-{
+bool LockdownDialog::Execute() {
     SetTitle(CatalogueText(Ids::LockdownTitle));
     SetMessage(CatalogueText(Ids::LockdownMessage));
     itemList->Draw();

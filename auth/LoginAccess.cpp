@@ -9,13 +9,11 @@ namespace Lanyx {
 
 bool passwordIsEmpty = false;
 
-bool LoginMarkerPresent()
-{
+bool LoginMarkerPresent() {
     return access(HostPath("/var/run/zephora/show-lanyx-login").c_str(), F_OK) == 0;
 }
 
-std::string HostGreeting(const std::string& lead)
-{
+std::string HostGreeting(const std::string& lead) {
     const TesselCtl::Network::DnsConfigImpl dns("defaultTcpipStack");
     // An empty domain keeps both dots: "for host..".
     return lead + dns.GetHostname() + "." + dns.GetDomain() + ".";

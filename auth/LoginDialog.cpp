@@ -29,16 +29,14 @@ constexpr char pinFooter[] =
     "{/align}{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  "
     "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 
-std::string ConfiguredLayoutText()
-{
+std::string ConfiguredLayoutText() {
     const TesselCtl::System::SystemInfoImpl systemInfo;
     return "Configured Keyboard (" + systemInfo.GetKeyboardLayout() + ")";
 }
 
 } // namespace
 
-LoginDialog::LoginDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTitleHeight)
-{
+LoginDialog::LoginDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTitleHeight) {
     CreateList(0, consoleMode ? 3 : 2);
     if (consoleMode) {
         keyboardLine = Add(std::make_unique<LabelItem>("", true));
@@ -53,8 +51,7 @@ LoginDialog::LoginDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTit
     SetMode(pinMode);
 }
 
-void LoginDialog::SetMode(bool pin)
-{
+void LoginDialog::SetMode(bool pin) {
     SetMessage(HostGreeting(CatalogueText(pin ? Ids::PinLead : Ids::PasswordLead)));
     SetFooter(pin ? pinFooter : Footers::kOkCancel);
     nameItem->SetLabel(CatalogueText(pin ? Ids::LoginId : Ids::LoginName));
@@ -63,15 +60,13 @@ void LoginDialog::SetMode(bool pin)
     secretItem->SetValue("");
 }
 
-void LoginDialog::Open()
-{
+void LoginDialog::Open() {
     SetTitle(CatalogueText(Ids::LoginTitle));
     SetMode(pinMode);
     list->SelectOrdinal(NameIndex());
 }
 
-FormDialog::KeyResult LoginDialog::HandleKey(int key)
-{
+FormDialog::KeyResult LoginDialog::HandleKey(int key) {
     const uint32_t line = list->GetSelectedOrdinal();
     const bool onLastLine = line == SecretIndex();
     if (key == Keys::F3) {
@@ -96,8 +91,7 @@ FormDialog::KeyResult LoginDialog::HandleKey(int key)
     return KeyResult::Continue;
 }
 
-bool LoginDialog::Accept()
-{
+bool LoginDialog::Accept() {
     user = nameItem->GetValue();
     const std::string& secret = secretItem->GetValue();
     const int result = PamCheckLogin(user, secret);
@@ -117,8 +111,7 @@ bool LoginDialog::Accept()
     return false;
 }
 
-void LoginDialog::Refuse(int pamResult)
-{
+void LoginDialog::Refuse(int pamResult) {
     const char* reason = AuditRecord::invalidLogin;
     const EventKind* event = &Events::loginFailed;
     uint32_t message = Ids::InvalidLogin;
@@ -146,13 +139,11 @@ void LoginDialog::Refuse(int pamResult)
     }
 }
 
-void LoginDialog::RunKeyboardLayoutChoice()
-{
+void LoginDialog::RunKeyboardLayoutChoice() {
     KeyboardDialog(this).RunModal();
 }
 
-void LoginDialog::ShowConfiguredLayout()
-{
+void LoginDialog::ShowConfiguredLayout() {
     if (keyboardLine)
         keyboardLine->SetText(ConfiguredLayoutText());
 }

@@ -16,10 +16,10 @@ constexpr int kTitleHeight = 6;
 
 } // namespace
 
-LoginDisabledDialog::LoginDisabledDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {}
+LoginDisabledDialog::LoginDisabledDialog(Frame* owner)
+    : Dialog(owner, kWidth, kHeight, kTitleHeight) {}
 
-bool LoginDisabledDialog::Execute()
-{
+bool LoginDisabledDialog::Execute() {
     SetTitle(CatalogueText(Ids::DeniedTitle));
     SetMessage(HostGreeting(CatalogueText(Ids::DisabledLead)));
     SetFooter(Footers::kOk);

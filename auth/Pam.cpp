@@ -15,8 +15,7 @@ public:
     explicit SecretCopy(const std::string& secret) : text(strdup(secret.c_str())) {}
     SecretCopy(const SecretCopy&) = delete;
     SecretCopy& operator=(const SecretCopy&) = delete;
-    ~SecretCopy()
-    {
+    ~SecretCopy() {
         if (!text)
             return;
         volatile char* p = text;
@@ -33,8 +32,7 @@ private:
 } // namespace
 
 int PamLoginConversation(int count, const pam_message** messages, pam_response** responses,
-                         void* appdata)
-{
+                         void* appdata) {
     const char* secret = static_cast<const char*>(appdata);
     if (count != 1 || !messages || !messages[0] || !responses || !secret)
         return PAM_CONV_ERR;
@@ -54,29 +52,29 @@ int PamLoginConversation(int count, const pam_message** messages, pam_response**
 
 namespace {
 
-int StartExchange(const std::string& user, const pam_conv& conversation, pam_handle_t** handle)
-{
+int StartExchange(const std::string& user, const pam_conv& conversation, pam_handle_t** handle) {
     // Under a host root the service file lies there too, not in the machine's /etc/pam.d.
-    return HostRootPrefix().empty()
-               ? pam_start(pamService, user.c_str(), &conversation, handle)
-               : pam_start_confdir(pamService, user.c_str(), &conversation,
-                                   HostPath("/etc/pam.d").c_str(), handle);
+    return HostRootPrefix().empty() ? pam_start(pamService, user.c_str(), &conversation, handle)
+                                    : pam_start_confdir(pamService, user.c_str(), &conversation,
+                                                        HostPath("/etc/pam.d").c_str(), handle);
 }
 
 } // namespace
 
 uint32_t passwordPromptsAnswered = 0;
 
-int PamChangeConversation(int count, const pam_message** messages, pam_response** responses, void* appdata)
-{
+int PamChangeConversation(int count, const pam_message** messages, pam_response** responses,
+                          void* appdata) {
     const auto* pair = static_cast<const PasswordPair*>(appdata);
     if (count <= 0 || !messages || !responses || !pair)
         return PAM_SUCCESS;
-    auto* answers = static_cast<pam_response*>(std::calloc(static_cast<size_t>(count), sizeof(pam_response)));
+    auto* answers =
+        static_cast<pam_response*>(std::calloc(static_cast<size_t>(count), sizeof(pam_response)));
     if (!answers)
         return PAM_SUCCESS;
     for (int i = 0; i < count; ++i) {
-        if (!messages[i] || messages[i]->msg_style != PAM_PROMPT_ECHO_OFF || passwordPromptsAnswered > 2)
+        if (!messages[i] || messages[i]->msg_style != PAM_PROMPT_ECHO_OFF ||
+            passwordPromptsAnswered > 2)
             continue;
         // The stack asks once at authentication (the old password) and twice at the change.
         const char* secret = passwordPromptsAnswered == 0 ? pair->oldPassword : pair->newPassword;
@@ -87,8 +85,8 @@ int PamChangeConversation(int count, const pam_message** messages, pam_response*
     return PAM_SUCCESS;
 }
 
-bool PamChangePassword(const std::string& user, const std::string& oldPassword, const std::string& newPassword)
-{
+bool PamChangePassword(const std::string& user, const std::string& oldPassword,
+                       const std::string& newPassword) {
     SecretCopy oldCopy(oldPassword);
     SecretCopy newCopy(newPassword);
     passwordPromptsAnswered = 0;
@@ -114,8 +112,7 @@ bool PamChangePassword(const std::string& user, const std::string& oldPassword, 
     return changed;
 }
 
-int PamCheckLogin(const std::string& user, const std::string& secret)
-{
+int PamCheckLogin(const std::string& user, const std::string& secret) {
     SecretCopy copy(secret);
     const pam_conv conversation{PamLoginConversation, copy.Get()};
     pam_handle_t* handle = nullptr;

@@ -24,7 +24,8 @@ int PamLoginConversation(int count, const pam_message** messages, pam_response**
 // Changes the password of `user` from `oldPassword` to `newPassword`: authentication (an expired
 // account passes), account check, the change itself and a refresh of the credentials. True only
 // when all of them passed.
-bool PamChangePassword(const std::string& user, const std::string& oldPassword, const std::string& newPassword);
+bool PamChangePassword(const std::string& user, const std::string& oldPassword,
+                       const std::string& newPassword);
 
 // What the conversation of PamChangePassword answers with.
 struct PasswordPair {
@@ -38,6 +39,7 @@ extern uint32_t passwordPromptsAnswered;
 // The conversation of PamChangePassword; `appdata` is a PasswordPair. Every message gets a
 // response: the first hidden prompt the old password, the second and third the new one, any
 // other message and any later prompt an empty response. Never refuses.
-int PamChangeConversation(int count, const pam_message** messages, pam_response** responses, void* appdata);
+int PamChangeConversation(int count, const pam_message** messages, pam_response** responses,
+                          void* appdata);
 
 } // namespace Lanyx

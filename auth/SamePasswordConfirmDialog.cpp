@@ -13,10 +13,10 @@ constexpr int kTitleHeight = 5;
 
 } // namespace
 
-SamePasswordConfirmDialog::SamePasswordConfirmDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {}
+SamePasswordConfirmDialog::SamePasswordConfirmDialog(Frame* owner)
+    : Dialog(owner, kWidth, kHeight, kTitleHeight) {}
 
-bool SamePasswordConfirmDialog::Execute()
-{
+bool SamePasswordConfirmDialog::Execute() {
     SetTitle(CatalogueText(Ids::PasswordWarningTitle));
     SetMessage(CatalogueText(Ids::SamePassword));
     SetFooter(Footers::kConfirmCancel);

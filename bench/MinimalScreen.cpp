@@ -4,8 +4,7 @@
 
 #include <curses.h>
 
-int main()
-{
+int main() {
     std::setlocale(LC_ALL, "");
     initscr();
     cbreak();

@@ -11,8 +11,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "harness/Console.hpp"
 #include "HostRoot.hpp"
+#include "harness/Console.hpp"
 
 using namespace LanyxE2E;
 using namespace std::chrono_literals;
@@ -26,8 +26,7 @@ struct Subject {
 };
 
 // Peak resident set (kB) of a running process.
-long PeakKiB(pid_t pid)
-{
+long PeakKiB(pid_t pid) {
     std::ifstream status("/proc/" + std::to_string(pid) + "/status");
     std::string line;
     while (std::getline(status, line)) {
@@ -38,8 +37,7 @@ long PeakKiB(pid_t pid)
 }
 
 // User plus system CPU of a running process, in clock ticks.
-long CpuTicks(pid_t pid)
-{
+long CpuTicks(pid_t pid) {
     std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
     std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
     // Fields after the command name, which ends with the last ')'.
@@ -57,29 +55,29 @@ long CpuTicks(pid_t pid)
     return utime + stime;
 }
 
-bool Complete(Console& console, const std::string& ready)
-{
+bool Complete(Console& console, const std::string& ready) {
     return console.WaitForFullScreen(ready);
 }
 
-double Median(std::vector<double> values)
-{
+double Median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
 
-void Measure(const Subject& subject, int runs)
-{
+void Measure(const Subject& subject, int runs) {
     std::vector<double> startMs;
     std::vector<double> peak;
     for (int run = 0; run < runs; ++run) {
         const auto begin = std::chrono::steady_clock::now();
         Console console(subject.options());
         if (!Complete(console, subject.ready)) {
-            std::printf("%s: screen not complete\n%s\n", subject.name.c_str(), console.Describe().c_str());
+            std::printf("%s: screen not complete\n%s\n", subject.name.c_str(),
+                        console.Describe().c_str());
             return;
         }
-        startMs.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count());
+        startMs.push_back(
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin)
+                .count());
         peak.push_back(static_cast<double>(PeakKiB(console.Pid())));
     }
 
@@ -92,19 +90,21 @@ void Measure(const Subject& subject, int runs)
         const long before = CpuTicks(console.Pid());
         const auto end = std::chrono::steady_clock::now() + 5s;
         while (std::chrono::steady_clock::now() < end)
-            console.Pump(std::chrono::duration_cast<Duration>(end - std::chrono::steady_clock::now()));
+            console.Pump(
+                std::chrono::duration_cast<Duration>(end - std::chrono::steady_clock::now()));
         const long after = CpuTicks(console.Pid());
-        idleMs = 1000.0 * static_cast<double>(after - before) / static_cast<double>(sysconf(_SC_CLK_TCK)) / 5;
+        idleMs = 1000.0 * static_cast<double>(after - before) /
+                 static_cast<double>(sysconf(_SC_CLK_TCK)) / 5;
     }
-    std::printf("%-16s start-up median %7.1f ms (min %7.1f)  peak RSS %7.0f KiB  CPU per idle minute %5.1f ms\n",
-                subject.name.c_str(), Median(startMs), *std::min_element(startMs.begin(), startMs.end()), Median(peak),
-                idleMs);
+    std::printf("%-16s start-up median %7.1f ms (min %7.1f)  peak RSS %7.0f KiB  CPU per idle "
+                "minute %5.1f ms\n",
+                subject.name.c_str(), Median(startMs),
+                *std::min_element(startMs.begin(), startMs.end()), Median(peak), idleMs);
 }
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
     HostRoot root("default");
     const std::vector<Subject> subjects = {

@@ -7,12 +7,12 @@ namespace Lanyx {
 
 // Colour numbers are the curses numbers; green, cyan and yellow are redefined at start.
 enum Color : int {
-    ColorBlack = 0,    // black
-    ColorRed = 1,      // red
+    ColorBlack = 0,     // black
+    ColorRed = 1,       // red
     ColorLightGrey = 2, // curses green, redefined
-    ColorAmber = 3,    // curses yellow, redefined (markup name "yellow")
-    ColorDarkGrey = 6, // curses cyan, redefined
-    ColorWhite = 7,    // white
+    ColorAmber = 3,     // curses yellow, redefined (markup name "yellow")
+    ColorDarkGrey = 6,  // curses cyan, redefined
+    ColorWhite = 7,     // white
 };
 
 // The curses attribute for a background and foreground colour, under the current `monochrome`

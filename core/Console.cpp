@@ -16,9 +16,9 @@
 #include "core/Globals.hpp"
 #include "core/InputLoop.hpp"
 #include "core/Startup.hpp"
-#include "host/UniqueFd.hpp"
 #include "host/HostRoot.hpp"
 #include "host/Log.hpp"
+#include "host/UniqueFd.hpp"
 #include "keelson/Lib.hpp"
 #include "zephora/support.h"
 
@@ -27,21 +27,18 @@ namespace Lanyx {
 namespace {
 
 // Nothing written to standard error may disturb the curses screen.
-void SilenceStandardError()
-{
+void SilenceStandardError() {
     UniqueFd null(open("/dev/null", O_WRONLY | O_CLOEXEC));
     if (null.Valid())
         dup2(null.Get(), 2);
 }
 
-bool IsVirtualTerminal()
-{
+bool IsVirtualTerminal() {
     char type = 0;
     return ioctl(1, KDGKBTYPE, &type) == 0;
 }
 
-void ChooseTerminalType()
-{
+void ChooseTerminalType() {
     const TerminalDecision decision =
         DecideTerminalType(IsVirtualTerminal(), std::getenv("TERM"), std::getenv("SSH_CLIENT"));
     if (decision.consoleMode)
@@ -52,8 +49,7 @@ void ChooseTerminalType()
     setenv("TERM", "vt102", 0);
 }
 
-void StartLogging()
-{
+void StartLogging() {
     Log_SetProductInfo(ProductState_GetName(), ProductState_GetVersion(),
                        ProductState_GetBuildNumberString(), ProductState_GetCompilationOption());
     Log_InitWithSyslogSimpleInt("LANYX", Log_CfgInterface(), "LANYX");
@@ -62,15 +58,13 @@ void StartLogging()
     Log(LOG_INFO, "Starting LANYX");
 }
 
-void WritePidFile()
-{
+void WritePidFile() {
     const std::string path = HostPath("/var/run/lanyx.pid");
     if (ClaimPidFile(path, getpid()) == PidFileResult::HeldByAnother)
         Log(LOG_ERR, "Attempt to run multiple LANYX instances, not updating %s", path.c_str());
 }
 
-void SwitchTerminal(int number)
-{
+void SwitchTerminal(int number) {
     UniqueFd console(open("/dev/console", O_RDWR | O_CLOEXEC));
     if (!console.Valid())
         return;
@@ -78,8 +72,7 @@ void SwitchTerminal(int number)
         ioctl(console.Get(), VT_WAITACTIVE, number);
 }
 
-void StartCurses()
-{
+void StartCurses() {
     initscr();
     start_color();
     // Every exit() leaves the terminal in its normal mode; after the regular end curses is
@@ -96,8 +89,7 @@ void StartCurses()
 
 } // namespace
 
-int RunConsole(int argc, char** argv, const FirstFrameFactory& createFirstFrame)
-{
+int RunConsole(int argc, char** argv, const FirstFrameFactory& createFirstFrame) {
     Preference_Init();
 
     std::optional<int> terminalNumber;

@@ -16,8 +16,7 @@ static_assert(Keys::DeleteChar == KEY_DC && Keys::InsertChar == KEY_IC &&
 
 namespace {
 
-std::vector<EscapeBinding> BuildTable()
-{
+std::vector<EscapeBinding> BuildTable() {
     std::vector<EscapeBinding> table;
     auto add = [&table](const char* afterEscape, int code) {
         table.push_back({std::string("\x1b") + afterEscape, code});
@@ -30,8 +29,8 @@ std::vector<EscapeBinding> BuildTable()
 
     // Alt+R takes the resize path.
     add("R", Keys::Resize);
-    addFunctionKeys({"[11~", "[12~", "[13~", "[14~", "[15~", "[17~", "[18~", "[19~", "[20~",
-                     "[21~", "[23~", "[24~"});
+    addFunctionKeys({"[11~", "[12~", "[13~", "[14~", "[15~", "[17~", "[18~", "[19~", "[20~", "[21~",
+                     "[23~", "[24~"});
     addFunctionKeys({"1", "2", "3", "4", "5", "6", "7", "8", "9", "0", "!", "@"});
     add("h", Keys::Home);
     add("k", Keys::End);
@@ -63,14 +62,12 @@ std::vector<EscapeBinding> BuildTable()
 
 } // namespace
 
-const std::vector<EscapeBinding>& EscapeTable()
-{
+const std::vector<EscapeBinding>& EscapeTable() {
     static const std::vector<EscapeBinding> table = BuildTable();
     return table;
 }
 
-void InstallEscapeTable()
-{
+void InstallEscapeTable() {
     for (const EscapeBinding& binding : EscapeTable())
         define_key(binding.sequence.c_str(), binding.code);
 }

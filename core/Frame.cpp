@@ -15,21 +15,18 @@ namespace {
 
 constexpr time_t dimSeconds = 60;
 
-timeval AddSeconds(const timeval& t, time_t seconds)
-{
+timeval AddSeconds(const timeval& t, time_t seconds) {
     timeval result = t;
     result.tv_sec += seconds;
     return result;
 }
 
-bool IsPast(const timeval& now, const timeval& moment)
-{
+bool IsPast(const timeval& now, const timeval& moment) {
     return timercmp(&now, &moment, >);
 }
 
 // What is left until `moment`, never negative.
-timeval Until(const timeval& now, const timeval& moment)
-{
+timeval Until(const timeval& now, const timeval& moment) {
     if (!IsPast(moment, now))
         return timeval{0, 0};
     timeval left;
@@ -41,12 +38,9 @@ timeval Until(const timeval& now, const timeval& moment)
 
 Frame::Frame(Frame* owner, int x, int y, int width, int height, int background, int foreground)
     : Window(x, y, width, height, background, foreground), owner(owner),
-      strings(FetchStringFactory("en_US"))
-{
-}
+      strings(FetchStringFactory("en_US")) {}
 
-bool Frame::RunModal()
-{
+bool Frame::RunModal() {
     activeFrame = nullptr;
     if (owner) {
         owner->SetActive(false);
@@ -71,8 +65,7 @@ bool Frame::RunModal()
     return result;
 }
 
-int Frame::ReadKey(bool enforceIdleLimit)
-{
+int Frame::ReadKey(bool enforceIdleLimit) {
     const bool enforce = enforceIdleLimit && idleTimeoutSeconds != 0;
     timeval start;
     gettimeofday(&start, nullptr);

@@ -23,8 +23,7 @@ namespace {
 
 constexpr uint32_t defaultIdleTimeoutSeconds = 600;
 
-void* SignalThread(void*)
-{
+void* SignalThread(void*) {
     for (;;) {
         int signal = 0;
         if (sigwait(&handledSignals, &signal) != 0) {
@@ -40,8 +39,7 @@ void* SignalThread(void*)
 
 } // namespace
 
-int SignalByte(int signal)
-{
+int SignalByte(int signal) {
     switch (signal) {
     case SIGUSR1:
         return 1;
@@ -58,13 +56,11 @@ int SignalByte(int signal)
     }
 }
 
-int PipeByteResult(int byte)
-{
+int PipeByteResult(int byte) {
     return byte >= 1 && byte <= 4 ? -2 - byte : InputNothing;
 }
 
-void StartSignalThread()
-{
+void StartSignalThread() {
     if (pipe(signalPipe) != 0) {
         LogErrno("pipe() failed");
         std::exit(1);
@@ -85,8 +81,7 @@ void StartSignalThread()
     }
 }
 
-int WaitForInput(const timeval* timeout)
-{
+int WaitForInput(const timeval* timeout) {
     // Curses may already hold keys that came in one read with an escape sequence; poll on the
     // descriptor cannot see those, and would wait for the key after them.
     wtimeout(stdscr, 0);
@@ -125,8 +120,7 @@ int WaitForInput(const timeval* timeout)
     return InputNothing;
 }
 
-void ReadIdleTimeout()
-{
+void ReadIdleTimeout() {
     idleTimeoutSeconds = defaultIdleTimeoutSeconds;
     try {
         std::unique_ptr<Keelson::Adv::AdvancedOption> option(
@@ -134,7 +128,7 @@ void ReadIdleTimeout()
         if (auto* integer = dynamic_cast<Keelson::Adv::AdvancedIntegerOption*>(option.get())) {
             const int64_t value = integer->GetValue();
             // A negative setting cannot be a limit; it reads as none.
-            idleTimeoutSeconds = value < 0 ? 0
+            idleTimeoutSeconds = value < 0            ? 0
                                  : value > UINT32_MAX ? UINT32_MAX
                                                       : static_cast<uint32_t>(value);
         }
@@ -143,21 +137,18 @@ void ReadIdleTimeout()
     }
 }
 
-void SetSessionActive(bool active)
-{
+void SetSessionActive(bool active) {
     sessionActive = active;
     if (active)
         ReadIdleTimeout();
 }
 
-void SetLoginUser(const std::string& user)
-{
+void SetLoginUser(const std::string& user) {
     loginUser = user;
     cardLogin = HasCardWithUser(user);
 }
 
-void CheckSmartCard()
-{
+void CheckSmartCard() {
     if (!sessionActive) {
         cardUser = FindCardUser();
         if (!cardUser.empty())
@@ -168,8 +159,7 @@ void CheckSmartCard()
     }
 }
 
-void HandleResize()
-{
+void HandleResize() {
     winsize size{};
     if (ioctl(0, TIOCGWINSZ, &size) != 0 || size.ws_row == 0 || size.ws_col == 0)
         return;

@@ -34,8 +34,7 @@ constexpr int End = 360;
 constexpr int Resize = 410;
 
 // F(1) .. F(12).
-constexpr int F(int n)
-{
+constexpr int F(int n) {
     return F1 + n - 1;
 }
 

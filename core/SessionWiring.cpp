@@ -8,8 +8,7 @@
 
 namespace Lanyx {
 
-SessionHooks DefaultSessionHooks()
-{
+SessionHooks DefaultSessionHooks() {
     SessionHooks hooks;
     // Asked at each key: the host may open or close the console at any time.
     hooks.createLoginDialog = [](Frame* owner) -> std::unique_ptr<Frame> {

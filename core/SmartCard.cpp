@@ -9,15 +9,13 @@ namespace Lanyx {
 
 namespace {
 
-void LogLookupFailure()
-{
+void LogLookupFailure() {
     Log(LOG_ERR, "Error trying to lookup smart card tokens.");
 }
 
 } // namespace
 
-std::string FindCardUser()
-{
+std::string FindCardUser() {
     try {
         const auto& cards = TesselCtl::Hardware::GetSmartCardInfo();
         for (const std::string& slot : cards.GetAllSlots()) {
@@ -34,8 +32,7 @@ std::string FindCardUser()
     return {};
 }
 
-bool HasCardWithUser(const std::string& id)
-{
+bool HasCardWithUser(const std::string& id) {
     try {
         const auto& cards = TesselCtl::Hardware::GetSmartCardInfo();
         for (const std::string& slot : cards.GetAllSlots()) {

@@ -11,8 +11,7 @@
 
 namespace Lanyx {
 
-std::optional<int> ParseVtNumber(const char* text)
-{
+std::optional<int> ParseVtNumber(const char* text) {
     if (!text)
         return std::nullopt;
     const long value = std::strtol(text, nullptr, 10);
@@ -22,8 +21,7 @@ std::optional<int> ParseVtNumber(const char* text)
 }
 
 TerminalDecision DecideTerminalType(bool isVirtualTerminal, const char* term,
-                                    const char* sshClient)
-{
+                                    const char* sshClient) {
     TerminalDecision decision;
     if (isVirtualTerminal) {
         decision.consoleMode = true;
@@ -37,8 +35,7 @@ TerminalDecision DecideTerminalType(bool isVirtualTerminal, const char* term,
     return decision;
 }
 
-PidFileResult ClaimPidFile(const std::string& path, pid_t self)
-{
+PidFileResult ClaimPidFile(const std::string& path, pid_t self) {
     {
         std::ifstream in(path);
         long pid = 0;

@@ -21,8 +21,8 @@ TerminalDecision DecideTerminalType(bool isVirtualTerminal, const char* term,
                                     const char* sshClient);
 
 enum class PidFileResult {
-    Written,         // the own pid is in the file now
-    HeldByAnother,   // the file names a running process and was left alone
+    Written,       // the own pid is in the file now
+    HeldByAnother, // the file names a running process and was left alone
 };
 
 // Takes over the pid file unless it names a running process. A write failure is not reported.

@@ -6,13 +6,11 @@ namespace {
 StringFactorySource registeredSource = nullptr;
 }
 
-void SetStringFactorySource(StringFactorySource source)
-{
+void SetStringFactorySource(StringFactorySource source) {
     registeredSource = source;
 }
 
-StringFactory* FetchStringFactory(const std::string& locale)
-{
+StringFactory* FetchStringFactory(const std::string& locale) {
     return registeredSource ? registeredSource(locale) : nullptr;
 }
 

@@ -34,8 +34,7 @@ struct Pipe {
     UniqueFd read;
     UniqueFd write;
 
-    bool Make()
-    {
+    bool Make() {
         int ends[2];
         if (::pipe2(ends, O_CLOEXEC) != 0)
             return false;
@@ -56,8 +55,7 @@ struct Sink {
     bool Active() const { return fd && fd->Valid(); }
 
     // Reads what is there now; closes the descriptor at end of file or on a hard error.
-    void Drain()
-    {
+    void Drain() {
         char scratch[4096];
         while (Active()) {
             char* target = scratch;
@@ -81,8 +79,7 @@ struct Sink {
     }
 };
 
-void SetNonBlocking(int fd)
-{
+void SetNonBlocking(int fd) {
     const int flags = ::fcntl(fd, F_GETFL);
     if (flags >= 0)
         ::fcntl(fd, F_SETFL, flags | O_NONBLOCK);
@@ -90,8 +87,7 @@ void SetNonBlocking(int fd)
 
 // Waits up to `microseconds` for output on the sinks, draining whatever arrives; returns early
 // when a stream reaches its end.
-void PumpFor(Sink* sinks, long microseconds)
-{
+void PumpFor(Sink* sinks, long microseconds) {
     timespec now{};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
     const long long deadline = now.tv_sec * 1000000LL + now.tv_nsec / 1000 + microseconds;
@@ -133,8 +129,7 @@ void PumpFor(Sink* sinks, long microseconds)
 // Writes the child's input while keeping its output flowing. A closed reader must not raise
 // SIGPIPE in the console, so SIGPIPE is held back on this thread for the write only.
 // With a time-out the wait for a child that reads nothing counts against `budget`.
-void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, long long& budget)
-{
+void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, long long& budget) {
     sigset_t pipeSignal, previous, pending;
     sigemptyset(&pipeSignal);
     sigaddset(&pipeSignal, SIGPIPE);
@@ -178,8 +173,7 @@ void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, l
 
 // Child side, between fork and exec: only async-signal-safe calls.
 [[noreturn]] void StartChild(const char* path, const char* const argv[], const char* const envp[],
-                             const int childFds[3], int reportFd, int maxFd)
-{
+                             const int childFds[3], int reportFd, int maxFd) {
     // The signal mask is inherited as it is: the signals the console routes through its signal
     // thread stay blocked in every child.
     // Lift the three ends clear of 0..2 first, so that no dup2 overwrites another end.
@@ -208,8 +202,7 @@ void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, l
 }
 
 // Waits for the child that the parent SIGKILLed, briefly: a child stuck in the kernel is left.
-void CollectKilled(pid_t pid)
-{
+void CollectKilled(pid_t pid) {
     for (int i = 0; i < 50; ++i) {
         const pid_t got = ::waitpid(pid, nullptr, WNOHANG);
         if (got == pid || (got < 0 && errno != EINTR))
@@ -219,8 +212,7 @@ void CollectKilled(pid_t pid)
     }
 }
 
-std::string JoinVector(const char* const argv[])
-{
+std::string JoinVector(const char* const argv[]) {
     std::string line;
     for (int i = 0; argv[i]; ++i) {
         if (i > 0)
@@ -232,8 +224,8 @@ std::string JoinVector(const char* const argv[])
 
 } // namespace
 
-pid_t TesselForkExec(const char* path, const char* const argv[], const char* const envp[], const int childFds[3])
-{
+pid_t TesselForkExec(const char* path, const char* const argv[], const char* const envp[],
+                     const int childFds[3]) {
     // The report pipe stays silent and closes at a successful exec; a number in it is the errno
     // of a start that failed.
     Pipe report;
@@ -265,8 +257,7 @@ pid_t TesselForkExec(const char* path, const char* const argv[], const char* con
 }
 
 int RunCommand(const char* path, const char* const argv[], char* out, int* outLength, char* err,
-               int* errLength, const char* input, int inputLength, int timeoutSeconds)
-{
+               int* errLength, const char* input, int inputLength, int timeoutSeconds) {
     const int outCapacity = out && outLength ? std::max(*outLength, 0) : 0;
     const int errCapacity = err && errLength ? std::max(*errLength, 0) : 0;
     if (outLength)
@@ -344,14 +335,12 @@ int RunCommand(const char* path, const char* const argv[], char* out, int* outLe
     return WEXITSTATUS(status);
 }
 
-int RunShell(const std::string& line)
-{
+int RunShell(const std::string& line) {
     const char* const argv[] = {"sh", "-c", line.c_str(), nullptr};
     return RunCommand("/bin/sh", argv);
 }
 
-int RunCommandLogged(const char* path, const char* const argv[])
-{
+int RunCommandLogged(const char* path, const char* const argv[]) {
     const std::string line = JoinVector(argv);
     char out[loggedCapture + 1];
     char err[loggedCapture + 1];
@@ -368,8 +357,7 @@ int RunCommandLogged(const char* path, const char* const argv[])
     return result;
 }
 
-int RunOstraq(const char* const argv[])
-{
+int RunOstraq(const char* const argv[]) {
     const std::string line = JoinVector(argv);
     char out[loggedCapture + 1];
     int outLength = loggedCapture;
@@ -383,8 +371,7 @@ int RunOstraq(const char* const argv[])
 }
 
 int RunHelmq(const char* path, const char* argv[], char* out, int* outLength, char* err,
-             int* errLength)
-{
+             int* errLength) {
     // The retry gets the caller's full buffers again; a buffer is never read past its capacity.
     const int outCapacity = outLength ? *outLength : 0;
     const int errCapacity = errLength ? *errLength : 0;
@@ -402,8 +389,7 @@ int RunHelmq(const char* path, const char* argv[], char* out, int* outLength, ch
     return RunCommand(path, argv, out, outLength, err, errLength);
 }
 
-bool HelmqQueryBool(const std::string& command)
-{
+bool HelmqQueryBool(const std::string& command) {
     std::string copy;
     try {
         copy = command;
@@ -416,21 +402,19 @@ bool HelmqQueryBool(const std::string& command)
     const char* const argv[] = {"helmq", "-U", lanyxUser.c_str(), copy.c_str(), nullptr};
     char out[loggedCapture];
     int outLength = loggedCapture;
-    const int result = RunCommand("/bin/helmq", argv, out, &outLength, nullptr, nullptr, nullptr, 0,
-                                  120);
+    const int result =
+        RunCommand("/bin/helmq", argv, out, &outLength, nullptr, nullptr, nullptr, 0, 120);
     if (result != 0)
         Log(LOG_ERR, "helmq invocation failure: %m");
     return outLength >= 4 && std::memcmp(out, "true", 4) == 0;
 }
 
-void HelmqRefresh()
-{
+void HelmqRefresh() {
     const char* argv[] = {"helmq", "-U", loginUser.c_str(), "helmcore/refresh", nullptr};
     RunHelmq("/bin/helmq", argv);
 }
 
-void HaltGuestsAndAutostop(bool graceful)
-{
+void HaltGuestsAndAutostop(bool graceful) {
     const char* helmq[] = {"helmq", "-U", loginUser.c_str(), "helmnode/autostartmanager/autostop",
                            nullptr};
     RunHelmq("/bin/helmq", helmq);
@@ -440,13 +424,11 @@ void HaltGuestsAndAutostop(bool graceful)
     RunCommand("/bin/haltGuests", graceful ? gentle : forced);
 }
 
-std::string GridmeshAgentLine(const char* action)
-{
+std::string GridmeshAgentLine(const char* action) {
     return HostPath("/etc/init.d/gridmesh-opsagent") + " " + action;
 }
 
-void GridmeshAgentStop(bool& stopped)
-{
+void GridmeshAgentStop(bool& stopped) {
     Log(LOG_INFO, "Stopping gridmesh-opsagent.");
     stopped = RunShell(GridmeshAgentLine("stop")) == 0;
     if (stopped)
@@ -455,8 +437,7 @@ void GridmeshAgentStop(bool& stopped)
         Log(LOG_ERR, "Failed to stop gridmesh-opsagent.");
 }
 
-void GridmeshAgentStart(bool stopped)
-{
+void GridmeshAgentStart(bool stopped) {
     if (!stopped) {
         Log(LOG_INFO, "Skipping gridmesh-opsagent start.");
         return;
@@ -468,8 +449,7 @@ void GridmeshAgentStart(bool stopped)
         Log(LOG_ERR, "Failed to start gridmesh-opsagent.");
 }
 
-bool GridmeshAgentUsable()
-{
+bool GridmeshAgentUsable() {
     // The log names the line as the host knows it, not as mapped under a test root.
     Log(LOG_INFO, "Running: %s", "/etc/init.d/gridmesh-opsagent status");
     const bool present = RunShell(GridmeshAgentLine("status")) == 0;
@@ -484,32 +464,32 @@ bool GridmeshAgentUsable()
     return true;
 }
 
-bool GridmeshCfgMove(const std::string& portName, const std::string& interfaceName)
-{
-    const char* const argv[] = {"gridmeshcfg-xbar", "-m", "-p", portName.c_str(), "-I",
+bool GridmeshCfgMove(const std::string& portName, const std::string& interfaceName) {
+    const char* const argv[] = {"gridmeshcfg-xbar",    "-m",   "-p", portName.c_str(), "-I",
                                 interfaceName.c_str(), nullptr};
     return RunCommandLogged("/usr/lib64/zephora/gridmesh-opsagent/bin/gridmeshcfg-xbar", argv) == 0;
 }
 
-bool AddXbar(const std::string& switchName)
-{
-    const char* const argv[] = {"ostraq", "network", "xbar", "standard", "add", "-v",
-                                switchName.c_str(), nullptr};
+bool AddXbar(const std::string& switchName) {
+    const char* const argv[] = {"ostraq", "network",          "xbar", "standard", "add",
+                                "-v",     switchName.c_str(), nullptr};
     return RunOstraq(argv) == 0;
 }
 
-bool SetXbarUplink(const std::string& switchName, const std::string& uplinkName, bool add)
-{
-    const char* const argv[] = {"ostraq", "network", "xbar", "standard", "uplink",
-                                add ? "add" : "remove", "-u", uplinkName.c_str(), "-v",
-                                switchName.c_str(), nullptr};
+bool SetXbarUplink(const std::string& switchName, const std::string& uplinkName, bool add) {
+    const char* const argv[] = {
+        "ostraq", "network",          "xbar", "standard",         "uplink", add ? "add" : "remove",
+        "-u",     uplinkName.c_str(), "-v",   switchName.c_str(), nullptr};
     return RunOstraq(argv) == 0;
 }
 
-bool AddXbarPortGroup(const std::string& portGroupName, const std::string& switchName)
-{
-    const char* const argv[] = {"ostraq", "network", "xbar", "standard", "portgroup", "add", "-p",
-                                portGroupName.c_str(), "-v", switchName.c_str(), nullptr};
+bool AddXbarPortGroup(const std::string& portGroupName, const std::string& switchName) {
+    const char* const argv[] = {"ostraq",    "network",
+                                "xbar",      "standard",
+                                "portgroup", "add",
+                                "-p",        portGroupName.c_str(),
+                                "-v",        switchName.c_str(),
+                                nullptr};
     return RunOstraq(argv) == 0;
 }
 

@@ -11,9 +11,7 @@ namespace Lanyx {
 
 // Runs `step`; a library failure goes to `onFailure` with the exception. True when the step ran
 // through.
-template <class Step, class OnFailure>
-bool GuardedStep(Step&& step, OnFailure&& onFailure)
-{
+template <class Step, class OnFailure> bool GuardedStep(Step&& step, OnFailure&& onFailure) {
     try {
         std::forward<Step>(step)();
         return true;
@@ -25,9 +23,7 @@ bool GuardedStep(Step&& step, OnFailure&& onFailure)
 
 // The common case: the failure is logged at error level as `failure` followed by the library's
 // reason ("Setting VlanID failed: " + reason).
-template <class Step>
-bool LoggedStep(const std::string& failure, Step&& step)
-{
+template <class Step> bool LoggedStep(const std::string& failure, Step&& step) {
     return GuardedStep(std::forward<Step>(step), [&](const Keelson::Lib::KeelsonException& e) {
         Log(LOG_ERR, "%s%s", failure.c_str(), e.what());
     });

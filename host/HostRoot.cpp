@@ -4,8 +4,7 @@
 
 namespace Lanyx {
 
-std::string HostRootPrefix()
-{
+std::string HostRootPrefix() {
 #if LANYX_HOST_ROOT_SEAM
     // Read at each call: cheap, and a process that changes its root (a test) gets the new one.
     const char* value = std::getenv("LANYX_HOST_ROOT");
@@ -18,8 +17,7 @@ std::string HostRootPrefix()
 #endif
 }
 
-std::string HostPath(std::string_view absolutePath)
-{
+std::string HostPath(std::string_view absolutePath) {
     if (absolutePath.empty() || absolutePath.front() != '/' || absolutePath.starts_with("/dev/") ||
         absolutePath.starts_with("/usr/share/terminfo"))
         return std::string(absolutePath);

@@ -6,16 +6,14 @@
 
 namespace Lanyx {
 
-void Log(int priority, const char* format, ...)
-{
+void Log(int priority, const char* format, ...) {
     va_list args;
     va_start(args, format);
     vsyslog(priority, format, args);
     va_end(args);
 }
 
-void LogErrno(const char* what)
-{
+void LogErrno(const char* what) {
     const int error = errno;
     char text[256] = {};
     // GNU strerror_r may return a static string instead of filling the buffer.

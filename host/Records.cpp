@@ -7,8 +7,7 @@
 
 namespace Lanyx {
 
-int OpenEvents()
-{
+int OpenEvents() {
     Log(LOG_INFO, "%s", "Initializing notauser library");
     const int result = NotaUserLib_Init();
     if (result != 0)
@@ -16,13 +15,11 @@ int OpenEvents()
     return result;
 }
 
-std::string EventFormat(const EventKind& kind)
-{
+std::string EventFormat(const EventKind& kind) {
     return std::string(Events::marker) + kind.id + ")" + kind.message;
 }
 
-void PostEvent(const EventKind& kind, const char* argument)
-{
+void PostEvent(const EventKind& kind, const char* argument) {
     if (OpenEvents() != 0)
         return;
     // The library takes the whole text as its format; the messages hold at most one "%s", and
@@ -37,8 +34,7 @@ void PostEvent(const EventKind& kind, const char* argument)
 }
 
 void Audit(const char* action, const std::string& user, bool success,
-           std::initializer_list<AuditPair> pairs)
-{
+           std::initializer_list<AuditPair> pairs) {
     const char* text[8] = {};
     int count = 0;
     for (const AuditPair& pair : pairs) {

@@ -59,8 +59,7 @@ std::string EventFormat(const EventKind& kind);
 // Open, post, close. `argument` fills the message's "%s" (empty when none is given). A library
 // that does not open drops the event; the caller's log line stands.
 void PostEvent(const EventKind& kind, const char* argument = nullptr);
-inline void PostEvent(const EventKind& kind, const std::string& argument)
-{
+inline void PostEvent(const EventKind& kind, const std::string& argument) {
     PostEvent(kind, argument.c_str());
 }
 

@@ -12,8 +12,7 @@ public:
     UniqueFd(const UniqueFd&) = delete;
     UniqueFd& operator=(const UniqueFd&) = delete;
     UniqueFd(UniqueFd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-    UniqueFd& operator=(UniqueFd&& other) noexcept
-    {
+    UniqueFd& operator=(UniqueFd&& other) noexcept {
         if (this != &other) {
             Reset();
             fd_ = std::exchange(other.fd_, -1);
@@ -25,8 +24,7 @@ public:
     int Get() const { return fd_; }
     bool Valid() const { return fd_ >= 0; }
     // Closes the one held and takes `fd` (-1: none).
-    void Reset(int fd = -1)
-    {
+    void Reset(int fd = -1) {
         if (fd_ >= 0)
             ::close(fd_);
         fd_ = fd;

@@ -15,12 +15,9 @@ constexpr int kTitleHeight = 5;
 AdapterInfoDialog::AdapterInfoDialog(Frame* owner, AdapterInfo adapter)
     : Dialog(owner, kWidth, kHeight, kTitleHeight),
       text(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1),
-      info(std::move(adapter))
-{
-}
+      info(std::move(adapter)) {}
 
-bool AdapterInfoDialog::Execute()
-{
+bool AdapterInfoDialog::Execute() {
     SetTitle("Adapter Details");
     SetMessage("Device Name: " + info.name);
     SetFooter(Footers::kOk);

@@ -20,18 +20,15 @@ constexpr int kTitleHeight = 7;
 AdaptersDialog::AdaptersDialog(Frame* owner, std::vector<std::string> selection, uint32_t maxActive,
                                std::string managementSwitch)
     : FormDialog(owner, kWidth, kHeight, kTitleHeight), selectedNames(std::move(selection)),
-      maxActiveUplinks(maxActive), switchName(std::move(managementSwitch))
-{
+      maxActiveUplinks(maxActive), switchName(std::move(managementSwitch)) {
     CreateList();
 }
 
-bool AdaptersDialog::Prepare()
-{
+bool AdaptersDialog::Prepare() {
     return rows.Gather();
 }
 
-void AdaptersDialog::Open()
-{
+void AdaptersDialog::Open() {
     SetTitle(CatalogueText(Ids::AdaptersTitle));
     SetMessage(CatalogueText(Ids::AdaptersMessage));
     SetFooter(Footers::kDetailsToggleOkCancel);
@@ -49,15 +46,13 @@ void AdaptersDialog::Open()
     ShowItems();
 }
 
-int AdaptersDialog::SelectedRow() const
-{
+int AdaptersDialog::SelectedRow() const {
     const Item* selected = list->GetSelectedItem();
     const auto found = std::ranges::find(checks, selected);
     return found == checks.end() ? -1 : static_cast<int>(found - checks.begin());
 }
 
-void AdaptersDialog::Toggle(size_t row)
-{
+void AdaptersDialog::Toggle(size_t row) {
     const std::string& name = rows.Info(row).name;
     CheckItem* check = checks[row];
     if (check->IsChecked()) {
@@ -71,8 +66,7 @@ void AdaptersDialog::Toggle(size_t row)
     Redraw();
 }
 
-bool AdaptersDialog::ConfirmUsedAdapters()
-{
+bool AdaptersDialog::ConfirmUsedAdapters() {
     for (const std::string& name : selectedNames) {
         const std::string& user = rows.UsedBy(name);
         if (!user.empty() && user != switchName)
@@ -81,8 +75,7 @@ bool AdaptersDialog::ConfirmUsedAdapters()
     return true;
 }
 
-FormDialog::KeyResult AdaptersDialog::HandleKey(int key)
-{
+FormDialog::KeyResult AdaptersDialog::HandleKey(int key) {
     const int row = SelectedRow();
     switch (key) {
     case ' ':

@@ -8,16 +8,15 @@ namespace Lanyx {
 
 ApplyChangesDialog::ApplyChangesDialog(Frame* owner, bool rebootNeeded)
     : Dialog(owner, 70, 15, 9),
-      question(contentWindow, 2, 0, contentWindow->GetWidth() - 6, contentWindow->GetHeight(), -1)
-{
+      question(contentWindow, 2, 0, contentWindow->GetWidth() - 6, contentWindow->GetHeight(), -1) {
     SetTitle(CatalogueText(Ids::ApplyConfirmTitle));
     SetMessage(CatalogueText(Ids::ApplyConfirmMessage));
-    question.SetText(CatalogueText(rebootNeeded ? Ids::ApplyAndRebootQuestion : Ids::ApplyAndRestartQuestion));
+    question.SetText(
+        CatalogueText(rebootNeeded ? Ids::ApplyAndRebootQuestion : Ids::ApplyAndRestartQuestion));
     SetFooter(Footers::kYesNoCancel);
 }
 
-bool ApplyChangesDialog::Execute()
-{
+bool ApplyChangesDialog::Execute() {
     for (;;) {
         switch (ReadKey(true)) {
         case 'y':

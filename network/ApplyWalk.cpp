@@ -13,8 +13,7 @@ namespace Lanyx {
 namespace KN = Keelson::Network;
 using Keelson::Lib::KeelsonException;
 
-std::string ExceptionSummary(const KeelsonException& e)
-{
+std::string ExceptionSummary(const KeelsonException& e) {
     const std::string text = e.what();
     const size_t equals = text.find('=');
     const size_t start = equals == std::string::npos ? 0 : equals + 1;
@@ -26,14 +25,12 @@ std::string ExceptionSummary(const KeelsonException& e)
 
 namespace {
 
-bool Contains(const std::vector<std::string>& list, const std::string& name)
-{
+bool Contains(const std::vector<std::string>& list, const std::string& name) {
     return std::find(list.begin(), list.end(), name) != list.end();
 }
 
 // Blanks and commas part the entries; runs of them give no empty entry.
-std::vector<std::string> SplitSuffixes(const std::string& text)
-{
+std::vector<std::string> SplitSuffixes(const std::string& text) {
     std::vector<std::string> tokens;
     std::string token;
     for (const char c : text) {
@@ -56,8 +53,7 @@ public:
     RefreshHostAgentAtEnd() = default;
     RefreshHostAgentAtEnd(const RefreshHostAgentAtEnd&) = delete;
     RefreshHostAgentAtEnd& operator=(const RefreshHostAgentAtEnd&) = delete;
-    ~RefreshHostAgentAtEnd()
-    {
+    ~RefreshHostAgentAtEnd() {
         try {
             HelmqRefresh();
         } catch (...) {
@@ -67,15 +63,13 @@ public:
 
 class Walk {
 public:
-    Walk(KN::NetworkInterface& nic, PendingConfiguration& pending, TesselCtl::Network::DnsConfigImpl& dns,
-         TesselCtl::Network::RoutingInfoImpl& routing, ApplyWalkScreen& screen)
+    Walk(KN::NetworkInterface& nic, PendingConfiguration& pending,
+         TesselCtl::Network::DnsConfigImpl& dns, TesselCtl::Network::RoutingInfoImpl& routing,
+         ApplyWalkScreen& screen)
         : nic(nic), p(pending), dns(dns), routing(routing), screen(screen),
-          tesselNic(dynamic_cast<KN::TesselNic*>(&nic))
-    {
-    }
+          tesselNic(dynamic_cast<KN::TesselNic*>(&nic)) {}
 
-    void Run()
-    {
+    void Run() {
         const RefreshHostAgentAtEnd refresh;
         if (!IsFabricInUse()) {
             Adapters();
@@ -90,9 +84,10 @@ public:
         DnsMode();
         Guarded("Setting ip/ipv6 configuration failed: ", [&] { WriteIpConfig(); });
         if (!p.ipConfig.GetUseDhcp())
-            GuardedStep([&] { Ipv4Gateway(); }, [&](const KeelsonException& e) {
-                Report(std::string("Setting default gateway failed: ") + e.what());
-            });
+            GuardedStep([&] { Ipv4Gateway(); },
+                        [&](const KeelsonException& e) {
+                            Report(std::string("Setting default gateway failed: ") + e.what());
+                        });
         if (p.ipv6Enabled && p.ipv6GatewayChanged)
             Guarded("Setting default ipv6 gateway failed: ", [&] { Ipv6Gateway(); });
         Leases();
@@ -103,21 +98,18 @@ public:
     }
 
 private:
-    template <class Step>
-    bool Guarded(const char* failure, Step&& step)
-    {
-        return GuardedStep(std::forward<Step>(step),
-                           [&](const KeelsonException& e) { Report(failure + ExceptionSummary(e)); });
+    template <class Step> bool Guarded(const char* failure, Step&& step) {
+        return GuardedStep(std::forward<Step>(step), [&](const KeelsonException& e) {
+            Report(failure + ExceptionSummary(e));
+        });
     }
 
-    void Report(const std::string& message)
-    {
+    void Report(const std::string& message) {
         Log(LOG_ERR, "%s", message.c_str());
         screen.ShowFailure(message);
     }
 
-    void Adapters()
-    {
+    void Adapters() {
         std::string line = "Setting adapters to";
         for (const std::string& name : p.adapters)
             line += " " + name;
@@ -152,15 +144,13 @@ private:
         });
     }
 
-    void Vlan()
-    {
+    void Vlan() {
         uint16_t current = 0;
         if (GetVlanId(&nic, current) && current != p.vlanId)
             vlanChanged = SetVlanId(&nic, p.vlanId);
     }
 
-    void Ipv4()
-    {
+    void Ipv4() {
         const KN::IpConfig configuredNow = nic.GetConfiguredIpConfig();
         const KN::IpConfig runningNow = nic.GetIpConfig();
         if (p.configuredIpConfig.GetUseDhcp()) {
@@ -171,17 +161,21 @@ private:
             p.ipConfig.SetUseDhcp(true);
             return;
         }
-        const bool hostIsNone = !configuredNow.GetUseDhcp() && runningNow.GetIpv4Address().GetBinaryAddress() == 0 &&
+        const bool hostIsNone = !configuredNow.GetUseDhcp() &&
+                                runningNow.GetIpv4Address().GetBinaryAddress() == 0 &&
                                 runningNow.GetIpv4Netmask().GetBinaryAddress() == 0;
         if (p.ipConfig.GetIpv4UseNone() && !hostIsNone) {
-            Log(LOG_INFO, "Setting ipv4 configuration to none on %s", nic.GetInterfaceName().c_str());
+            Log(LOG_INFO, "Setting ipv4 configuration to none on %s",
+                nic.GetInterfaceName().c_str());
             p.ipConfig.SetUseDhcp(false, true);
             addressChanged = true;
             return;
         }
         if (!configuredNow.GetUseDhcp() &&
-            p.ipConfig.GetIpv4Address().GetBinaryAddress() == runningNow.GetIpv4Address().GetBinaryAddress() &&
-            p.ipConfig.GetIpv4Netmask().GetBinaryAddress() == runningNow.GetIpv4Netmask().GetBinaryAddress())
+            p.ipConfig.GetIpv4Address().GetBinaryAddress() ==
+                runningNow.GetIpv4Address().GetBinaryAddress() &&
+            p.ipConfig.GetIpv4Netmask().GetBinaryAddress() ==
+                runningNow.GetIpv4Netmask().GetBinaryAddress())
             return;
         Log(LOG_INFO, "Setting ipv4 configuration to %s %s on %s",
             p.ipConfig.GetIpv4Address().GetStringAddress().c_str(),
@@ -190,12 +184,12 @@ private:
         addressChanged = true;
     }
 
-    void Ipv6()
-    {
+    void Ipv6() {
         info.SetTesselIpv6Enabled(p.ipv6Enabled);
         if (!p.ipv6Enabled) {
             // Without IPv6 after the restart, DHCP DNS has to come over IPv4 again.
-            if (p.configuredIpConfig.GetUseDhcp() && p.configuredIpConfig.GetDhcpDns() && p.ipv6EnabledAtOpen)
+            if (p.configuredIpConfig.GetUseDhcp() && p.configuredIpConfig.GetDhcpDns() &&
+                p.ipv6EnabledAtOpen)
                 renewV4 = true;
             return;
         }
@@ -209,16 +203,15 @@ private:
     }
 
     // Automatic DNS survives only with something to bring it.
-    void DnsMode()
-    {
+    void DnsMode() {
         const bool want = p.configuredIpConfig.GetDhcpDns() &&
-                          (p.ipConfig.GetUseDhcp() || (info.IsTesselIpv6Enabled() && p.ipConfig.GetUseIpv6Dhcp()));
+                          (p.ipConfig.GetUseDhcp() ||
+                           (info.IsTesselIpv6Enabled() && p.ipConfig.GetUseIpv6Dhcp()));
         p.ipConfig.SetDhcpDns(want);
         p.configuredIpConfig.SetDhcpDns(p.ipConfig.GetDhcpDns());
     }
 
-    void WriteIpConfig()
-    {
+    void WriteIpConfig() {
         const bool bound = tesselNic ? tesselNic->GetDhcpBound() : false;
         nic.SetIpConfig(p.ipConfig);
         if (addressChanged)
@@ -227,8 +220,7 @@ private:
             tesselNic->SetDhcpBound(true);
     }
 
-    void Ipv4Gateway()
-    {
+    void Ipv4Gateway() {
         const KN::Ipv4Address current = routing.GetTesselDefaultGateway();
         const KN::Ipv4Address& gateway = p.ipConfig.GetIpv4Gateway();
         if (!addressChanged && current.GetBinaryAddress() == gateway.GetBinaryAddress())
@@ -237,15 +229,14 @@ private:
         routing.SetTesselDefaultGateway(gateway, false);
     }
 
-    void Ipv6Gateway()
-    {
+    void Ipv6Gateway() {
         const KN::Ipv6Address& gateway = p.ipConfig.GetIpv6Gateway();
-        Log(LOG_INFO, "Setting default ipv6 gateway to %s", gateway.GetScopedStringAddress().c_str());
+        Log(LOG_INFO, "Setting default ipv6 gateway to %s",
+            gateway.GetScopedStringAddress().c_str());
         routing.SetIpv6TesselDefaultGateway(gateway);
     }
 
-    void Leases()
-    {
+    void Leases() {
         if (!renewV4 && !renewV6)
             return;
         Log(LOG_INFO, "Renew DHCP lease on %s", nic.GetInterfaceName().c_str());
@@ -259,8 +250,7 @@ private:
 
     // The console never leaves the interface stopped: a failed stop or reread still starts it
     // again before the failure travels on.
-    void RestartForVlan()
-    {
+    void RestartForVlan() {
         if (!vlanChanged)
             return;
         Log(LOG_INFO, "Changed vlan, restarting management interface");
@@ -271,15 +261,15 @@ private:
             try {
                 nic.Enable();
             } catch (const KeelsonException& e) {
-                Log(LOG_ERR, "Enabling %s after a failed restart failed: %s", nic.GetName().c_str(), e.what());
+                Log(LOG_ERR, "Enabling %s after a failed restart failed: %s", nic.GetName().c_str(),
+                    e.what());
             }
             throw;
         }
         nic.Enable();
     }
 
-    void Dns()
-    {
+    void Dns() {
         if (!p.configuredIpConfig.GetDhcpDns()) {
             Log(LOG_INFO, "Setting hostname to %s", p.hostname.c_str());
             if (p.hostname.find('.') != std::string::npos)
@@ -322,9 +312,9 @@ private:
 } // namespace
 
 void ApplyPendingConfiguration(KN::NetworkInterface& nic, PendingConfiguration& pending,
-                               TesselCtl::Network::DnsConfigImpl& dns, TesselCtl::Network::RoutingInfoImpl& routing,
-                               ApplyWalkScreen& screen)
-{
+                               TesselCtl::Network::DnsConfigImpl& dns,
+                               TesselCtl::Network::RoutingInfoImpl& routing,
+                               ApplyWalkScreen& screen) {
     Walk(nic, pending, dns, routing, screen).Run();
 }
 

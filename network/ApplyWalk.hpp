@@ -30,8 +30,10 @@ std::string ExceptionSummary(const Keelson::Lib::KeelsonException& e);
 
 // Exceptions of the unguarded steps (lease renewal, interface restart) leave the walk after the
 // host agent's refresh; the interface is enabled again before that if the restart failed.
-void ApplyPendingConfiguration(Keelson::Network::NetworkInterface& nic, PendingConfiguration& pending,
+void ApplyPendingConfiguration(Keelson::Network::NetworkInterface& nic,
+                               PendingConfiguration& pending,
                                TesselCtl::Network::DnsConfigImpl& dns,
-                               TesselCtl::Network::RoutingInfoImpl& routing, ApplyWalkScreen& screen);
+                               TesselCtl::Network::RoutingInfoImpl& routing,
+                               ApplyWalkScreen& screen);
 
 } // namespace Lanyx

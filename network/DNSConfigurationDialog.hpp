@@ -15,7 +15,8 @@ public:
     // `primary` and `alternate` are the pending servers (null: none); the form keeps copies.
     DNSConfigurationDialog(Frame* owner, bool useDhcp, bool dhcpAvailable,
                            const Keelson::Network::IpAddress* primary,
-                           const Keelson::Network::IpAddress* alternate, const std::string& hostname);
+                           const Keelson::Network::IpAddress* alternate,
+                           const std::string& hostname);
 
     // After a true run. With the manual choice the servers are new objects built from the
     // fields, for the caller to take over; with the automatic one they are copies of those given.

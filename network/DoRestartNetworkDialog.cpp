@@ -24,9 +24,9 @@ constexpr const char* kOkFooter =
 
 } // namespace
 
-std::string RestartedAddressLines(const std::string& ipAddressIs, bool useDhcp, const std::string& ipv4Address,
-                                  const std::vector<Keelson::Network::Ipv6Network>& ipv6Networks)
-{
+std::string RestartedAddressLines(const std::string& ipAddressIs, bool useDhcp,
+                                  const std::string& ipv4Address,
+                                  const std::vector<Keelson::Network::Ipv6Network>& ipv6Networks) {
     std::string lines;
     if (!useDhcp)
         lines += "\n   " + ipAddressIs + " " + ipv4Address + "\n";
@@ -36,7 +36,8 @@ std::string RestartedAddressLines(const std::string& ipAddressIs, bool useDhcp, 
     size_t shown = 0;
     for (size_t i = 0; i < ipv6Networks.size(); ++i) {
         const Keelson::Network::Ipv6Network& network = ipv6Networks[i];
-        if (network.GetIpv6AddressType() != kStaticType || network.GetIpv6Scope() == kLinkLocalScope)
+        if (network.GetIpv6AddressType() != kStaticType ||
+            network.GetIpv6Scope() == kLinkLocalScope)
             continue;
         lines += "   " + ipAddressIs + " " + network.GetStringAddress() + "\n";
         if (!whole && ++shown == kShownOtherwise) {
@@ -48,14 +49,14 @@ std::string RestartedAddressLines(const std::string& ipAddressIs, bool useDhcp, 
     return lines;
 }
 
-DoRestartNetworkDialog::DoRestartNetworkDialog(Frame* owner, Keelson::Network::NetworkInterface* nic)
-    : Dialog(owner, kWidth, kHeight, kTitleHeight), interface(nic)
-{
-    progressText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1);
+DoRestartNetworkDialog::DoRestartNetworkDialog(Frame* owner,
+                                               Keelson::Network::NetworkInterface* nic)
+    : Dialog(owner, kWidth, kHeight, kTitleHeight), interface(nic) {
+    progressText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(),
+                                contentWindow->GetHeight(), -1);
 }
 
-bool DoRestartNetworkDialog::Execute()
-{
+bool DoRestartNetworkDialog::Execute() {
     // Read before the stop: a stopped interface may not tell.
     const bool useDhcp = interface->GetConfiguredIpConfig().GetUseDhcp();
     const std::string name = interface->GetName();
@@ -71,9 +72,12 @@ bool DoRestartNetworkDialog::Execute()
     interface->Enable();
     progressText->AppendText(std::string(CatalogueText(Ids::StartingNetwork)) + " ");
 
-    const std::string ipv4 = useDhcp ? std::string() : interface->GetIpConfig().GetIpv4Address().GetStringAddress();
-    const std::vector<Keelson::Network::Ipv6Network> ipv6 = interface->GetIpConfig().GetIpv6Network();
-    progressText->AppendText(RestartedAddressLines(CatalogueText(Ids::IpAddressIs), useDhcp, ipv4, ipv6));
+    const std::string ipv4 =
+        useDhcp ? std::string() : interface->GetIpConfig().GetIpv4Address().GetStringAddress();
+    const std::vector<Keelson::Network::Ipv6Network> ipv6 =
+        interface->GetIpConfig().GetIpv6Network();
+    progressText->AppendText(
+        RestartedAddressLines(CatalogueText(Ids::IpAddressIs), useDhcp, ipv4, ipv6));
     progressText->AppendText(CatalogueText(Ids::Done));
 
     SetFooter(kOkFooter);

@@ -26,7 +26,8 @@ private:
 
 // The address lines shown after the interface came up: the IPv4 address of a static host, then
 // the static IPv6 addresses that are not link-local, two of them and "..." when more follow.
-std::string RestartedAddressLines(const std::string& ipAddressIs, bool useDhcp, const std::string& ipv4Address,
+std::string RestartedAddressLines(const std::string& ipAddressIs, bool useDhcp,
+                                  const std::string& ipv4Address,
                                   const std::vector<Keelson::Network::Ipv6Network>& ipv6Networks);
 
 } // namespace Lanyx

@@ -15,36 +15,36 @@ constexpr int kFieldWidth = 16;
 
 } // namespace
 
-IPConfigurationDialog::IPConfigurationDialog(Frame* owner, bool useNone, bool useDhcp, const KN::IpConfig& pending)
-    : FormDialog(owner, 78, 19, 7), config(pending)
-{
+IPConfigurationDialog::IPConfigurationDialog(Frame* owner, bool useNone, bool useDhcp,
+                                             const KN::IpConfig& pending)
+    : FormDialog(owner, 78, 19, 7), config(pending) {
     CreateList();
     RadioItem* none = Add(std::make_unique<RadioItem>(CatalogueText(Ids::Ipv4None), false));
     RadioItem* dhcp = Add(std::make_unique<RadioItem>(CatalogueText(Ids::Ipv4Dhcp), false));
     RadioItem* manual = Add(std::make_unique<RadioItem>(CatalogueText(Ids::Ipv4Static), false));
     Add(std::make_unique<LabelItem>("", false));
     // A DHCP host shows the address of its lease here, dimmed.
-    addressItem = AddField(CatalogueText(Ids::Ipv4AddressHeading), config.GetIpv4Address().GetStringAddress(),
-                           kFieldWidth, Filters::Ipv4);
-    netmaskItem = AddField(CatalogueText(Ids::SubnetMask), config.GetIpv4Netmask().GetStringAddress(), kFieldWidth,
-                           Filters::Ipv4);
-    gatewayItem = AddField(CatalogueText(Ids::DefaultGateway), config.GetIpv4Gateway().GetStringAddress(),
-                           kFieldWidth, Filters::Ipv4);
+    addressItem = AddField(CatalogueText(Ids::Ipv4AddressHeading),
+                           config.GetIpv4Address().GetStringAddress(), kFieldWidth, Filters::Ipv4);
+    netmaskItem = AddField(CatalogueText(Ids::SubnetMask),
+                           config.GetIpv4Netmask().GetStringAddress(), kFieldWidth, Filters::Ipv4);
+    gatewayItem = AddField(CatalogueText(Ids::DefaultGateway),
+                           config.GetIpv4Gateway().GetStringAddress(), kFieldWidth, Filters::Ipv4);
     radios = std::make_unique<RadioGroup>(std::vector<RadioItem*>{none, dhcp, manual},
-                                          useNone ? kNone : useDhcp ? kDhcp : kStatic);
+                                          useNone   ? kNone
+                                          : useDhcp ? kDhcp
+                                                    : kStatic);
     radios->SetDependents(kStatic, {addressItem, netmaskItem, gatewayItem});
     ShowItems();
 }
 
-void IPConfigurationDialog::Open()
-{
+void IPConfigurationDialog::Open() {
     SetTitle(CatalogueText(Ids::Ipv4Title));
     SetMessage(CatalogueText(Ids::Ipv4Message));
     SetFooter(Footers::kSelectMarkOkCancel);
 }
 
-FormDialog::KeyResult IPConfigurationDialog::HandleKey(int key)
-{
+FormDialog::KeyResult IPConfigurationDialog::HandleKey(int key) {
     if (key == ' ') {
         radios->SelectItem(list->GetSelectedItem());
         Redraw();
@@ -53,8 +53,7 @@ FormDialog::KeyResult IPConfigurationDialog::HandleKey(int key)
     return FormDialog::HandleKey(key);
 }
 
-bool IPConfigurationDialog::Accept()
-{
+bool IPConfigurationDialog::Accept() {
     config.SetUseDhcp(UseDhcp());
     if (UseNone())
         config.SetIpv4UseNone();

@@ -12,7 +12,8 @@ namespace Lanyx {
 class IPConfigurationDialog : public FormDialog {
 public:
     // `config`: the pending addresses; the three fields start with its address, mask, gateway.
-    IPConfigurationDialog(Frame* owner, bool useNone, bool useDhcp, const Keelson::Network::IpConfig& config);
+    IPConfigurationDialog(Frame* owner, bool useNone, bool useDhcp,
+                          const Keelson::Network::IpConfig& config);
 
     bool UseNone() const { return radios->IsSelected(kNone); }
     bool UseDhcp() const { return radios->IsSelected(kDhcp); }

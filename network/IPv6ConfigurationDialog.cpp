@@ -18,7 +18,14 @@ constexpr int kTitleHeight = 7;
 constexpr int kFieldWidth = 42;
 
 // Selections of the list.
-enum : uint32_t { kDisable = 0, kDynamic = 1, kDhcpv6 = 2, kStatic = 3, kFirstAddress = 4, kGateway = 7 };
+enum : uint32_t {
+    kDisable = 0,
+    kDynamic = 1,
+    kDhcpv6 = 2,
+    kStatic = 3,
+    kFirstAddress = 4,
+    kGateway = 7
+};
 // The radios in the group.
 enum : size_t { kRadioDisable = 0, kRadioDynamic = 1, kRadioStatic = 2 };
 
@@ -31,8 +38,7 @@ constexpr int kGlobalScope = 3;
 IPv6ConfigurationDialog::IPv6ConfigurationDialog(Frame* owner, bool ipv6Enabled,
                                                  const Keelson::Network::IpConfig& modeConfig,
                                                  const Keelson::Network::IpConfig& addresses)
-    : FormDialog(owner, kWidth, kHeight, kTitleHeight), enabled(ipv6Enabled), config(addresses)
-{
+    : FormDialog(owner, kWidth, kHeight, kTitleHeight), enabled(ipv6Enabled), config(addresses) {
     const bool dhcp = modeConfig.GetUseIpv6Dhcp();
     const bool ra = modeConfig.GetUseIpv6RouterAdvertised();
     config.SetUseIpv6Dhcp(dhcp);
@@ -49,12 +55,14 @@ IPv6ConfigurationDialog::IPv6ConfigurationDialog(Frame* owner, bool ipv6Enabled,
             std::string(CatalogueText(Ids::StaticAddressLabel)) + " #" + std::to_string(n + 1);
         addressItems[n] = AddField(label, "", kFieldWidth, Filters::Ipv6Network);
     }
-    gatewayItem = AddField(CatalogueText(Ids::DefaultGatewayLabel), "", kFieldWidth, Filters::Ipv6Network);
+    gatewayItem =
+        AddField(CatalogueText(Ids::DefaultGatewayLabel), "", kFieldWidth, Filters::Ipv6Network);
 
-    modes = std::make_unique<RadioGroup>(std::vector<RadioItem*>{disableItem, dynamicItem, staticItem},
-                                         kRadioDisable);
+    modes = std::make_unique<RadioGroup>(
+        std::vector<RadioItem*>{disableItem, dynamicItem, staticItem}, kRadioDisable);
     modes->SetDependents(kRadioDynamic, {dhcpv6Item});
-    modes->SetDependents(kRadioStatic, {addressItems[0], addressItems[1], addressItems[2], gatewayItem});
+    modes->SetDependents(kRadioStatic,
+                         {addressItems[0], addressItems[1], addressItems[2], gatewayItem});
     ShowMode();
     // At opening a DHCPv6-only host keeps its gateway editable; the first Space ends that.
     gatewayItem->SetEnabled(enabled && !ra);
@@ -65,7 +73,8 @@ IPv6ConfigurationDialog::IPv6ConfigurationDialog(Frame* owner, bool ipv6Enabled,
     for (const Ipv6Network& network : networks) {
         if (free == addressItems.size())
             break;
-        if (network.GetIpv6AddressType() != kStaticType || network.GetIpv6Scope() == kLinkLocalScope)
+        if (network.GetIpv6AddressType() != kStaticType ||
+            network.GetIpv6Scope() == kLinkLocalScope)
             continue;
         addressItems[free++]->SetValue(network.GetStringAddress());
         config.RemoveIpv6Network(network);
@@ -76,22 +85,19 @@ IPv6ConfigurationDialog::IPv6ConfigurationDialog(Frame* owner, bool ipv6Enabled,
     ShowItems();
 }
 
-void IPv6ConfigurationDialog::Open()
-{
+void IPv6ConfigurationDialog::Open() {
     SetTitle(CatalogueText(Ids::Ipv6Title));
     SetMessage(CatalogueText(Ids::Ipv6Message));
     SetFooter(Footers::kSelectMarkOkCancel);
 }
 
-void IPv6ConfigurationDialog::ShowMode()
-{
+void IPv6ConfigurationDialog::ShowMode() {
     const bool dynamic = Dynamic();
     modes->Select(!enabled ? kRadioDisable : dynamic ? kRadioDynamic : kRadioStatic);
     dhcpv6Item->SetChecked(config.GetUseIpv6Dhcp());
 }
 
-void IPv6ConfigurationDialog::ChangeMode(uint32_t ordinal)
-{
+void IPv6ConfigurationDialog::ChangeMode(uint32_t ordinal) {
     const bool ticked = dhcpv6Item->IsChecked();
     switch (ordinal) {
     case kDisable:
@@ -117,8 +123,7 @@ void IPv6ConfigurationDialog::ChangeMode(uint32_t ordinal)
     ShowMode();
 }
 
-FormDialog::KeyResult IPv6ConfigurationDialog::HandleKey(int key)
-{
+FormDialog::KeyResult IPv6ConfigurationDialog::HandleKey(int key) {
     if (key != ' ')
         return FormDialog::HandleKey(key);
     ChangeMode(list->GetSelectedOrdinal());
@@ -126,14 +131,12 @@ FormDialog::KeyResult IPv6ConfigurationDialog::HandleKey(int key)
     return KeyResult::Continue;
 }
 
-void IPv6ConfigurationDialog::FieldEdited(InputItem& field)
-{
+void IPv6ConfigurationDialog::FieldEdited(InputItem& field) {
     if (&field != gatewayItem)
         addressEdited = true;
 }
 
-bool IPv6ConfigurationDialog::Accept()
-{
+bool IPv6ConfigurationDialog::Accept() {
     if (!enabled || Dynamic())
         return true;
     for (size_t n = 0; n < addressItems.size(); ++n) {

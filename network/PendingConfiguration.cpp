@@ -6,33 +6,32 @@ namespace Lanyx {
 
 namespace KN = Keelson::Network;
 
-std::string AddressText(const KN::IpAddress* address)
-{
+std::string AddressText(const KN::IpAddress* address) {
     return address ? address->GetStringAddress() : std::string();
 }
 
-void PendingConfiguration::TakeAdapters(const std::vector<std::string>& selected)
-{
+void PendingConfiguration::TakeAdapters(const std::vector<std::string>& selected) {
     if (selected != adapters)
         changed = true;
     adapters = selected;
 }
 
-void PendingConfiguration::TakeVlan(uint16_t value)
-{
+void PendingConfiguration::TakeVlan(uint16_t value) {
     if (value != vlanId)
         changed = true;
     vlanId = value;
 }
 
-void PendingConfiguration::TakeIpv4(const KN::IpConfig& result)
-{
+void PendingConfiguration::TakeIpv4(const KN::IpConfig& result) {
     bool differs = result.GetUseDhcp() != configuredIpConfig.GetUseDhcp() ||
                    result.GetIpv4UseNone() != ipConfig.GetIpv4UseNone();
     if (!differs && !result.GetUseDhcp() && !result.GetIpv4UseNone()) {
-        differs = result.GetIpv4Address().GetBinaryAddress() != ipConfig.GetIpv4Address().GetBinaryAddress() ||
-                  result.GetIpv4Netmask().GetBinaryAddress() != ipConfig.GetIpv4Netmask().GetBinaryAddress() ||
-                  result.GetIpv4Gateway().GetBinaryAddress() != ipConfig.GetIpv4Gateway().GetBinaryAddress();
+        differs = result.GetIpv4Address().GetBinaryAddress() !=
+                      ipConfig.GetIpv4Address().GetBinaryAddress() ||
+                  result.GetIpv4Netmask().GetBinaryAddress() !=
+                      ipConfig.GetIpv4Netmask().GetBinaryAddress() ||
+                  result.GetIpv4Gateway().GetBinaryAddress() !=
+                      ipConfig.GetIpv4Gateway().GetBinaryAddress();
     }
     if (!differs)
         return;
@@ -50,13 +49,13 @@ void PendingConfiguration::TakeIpv4(const KN::IpConfig& result)
     ipConfig.SetIpv4Gateway(result.GetIpv4Gateway());
 }
 
-void PendingConfiguration::TakeIpv6(bool enabled, const KN::IpConfig& result, bool addressEdited)
-{
+void PendingConfiguration::TakeIpv6(bool enabled, const KN::IpConfig& result, bool addressEdited) {
     const bool gatewayDiffers = !(result.GetIpv6Gateway() == ipConfig.GetIpv6Gateway());
     if (enabled != ipv6Enabled)
         changed = true;
     else if (result.GetUseIpv6Dhcp() != configuredIpConfig.GetUseIpv6Dhcp() ||
-             result.GetUseIpv6RouterAdvertised() != configuredIpConfig.GetUseIpv6RouterAdvertised() ||
+             result.GetUseIpv6RouterAdvertised() !=
+                 configuredIpConfig.GetUseIpv6RouterAdvertised() ||
              gatewayDiffers || addressEdited)
         changed = true;
     ipv6Enabled = enabled;
@@ -74,8 +73,8 @@ void PendingConfiguration::TakeIpv6(bool enabled, const KN::IpConfig& result, bo
 }
 
 void PendingConfiguration::TakeDns(bool useDhcp, std::unique_ptr<KN::IpAddress> primary,
-                                   std::unique_ptr<KN::IpAddress> alternate, const std::string& newHostname)
-{
+                                   std::unique_ptr<KN::IpAddress> alternate,
+                                   const std::string& newHostname) {
     if (useDhcp != configuredIpConfig.GetDhcpDns())
         changed = true;
     else if (!useDhcp && (AddressText(primary.get()) != AddressText(primaryDns.get()) ||
@@ -90,28 +89,28 @@ void PendingConfiguration::TakeDns(bool useDhcp, std::unique_ptr<KN::IpAddress> 
     alternateDns = std::move(alternate);
 }
 
-void PendingConfiguration::TakeSuffixes(const std::string& text)
-{
+void PendingConfiguration::TakeSuffixes(const std::string& text) {
     if (text != suffixes)
         changed = true;
     suffixes = text;
 }
 
-void ReadAddresses(KN::NetworkInterface& nic, PendingConfiguration& pending)
-{
+void ReadAddresses(KN::NetworkInterface& nic, PendingConfiguration& pending) {
     pending.configuredIpConfig = nic.GetConfiguredIpConfig();
     pending.ipConfig = nic.GetIpConfig();
 }
 
-ReadResult ReadPendingConfiguration(KN::NetworkInterface& nic, TesselCtl::Network::RoutingInfoImpl& routing,
-                                    TesselCtl::Network::DnsConfigImpl& dns, PendingConfiguration& pending)
-{
+ReadResult ReadPendingConfiguration(KN::NetworkInterface& nic,
+                                    TesselCtl::Network::RoutingInfoImpl& routing,
+                                    TesselCtl::Network::DnsConfigImpl& dns,
+                                    PendingConfiguration& pending) {
 
     pending.fabric = IsFabricInUse();
     pending.adapters.clear();
     pending.vlanId = 0;
     if (!pending.fabric) {
-        if (!GetUplinks(&nic, pending.adapters) || !GetMaxActiveUplinks(&nic, pending.maxActiveUplinks) ||
+        if (!GetUplinks(&nic, pending.adapters) ||
+            !GetMaxActiveUplinks(&nic, pending.maxActiveUplinks) ||
             !GetVlanId(&nic, pending.vlanId))
             return ReadResult::SwitchUnreadable;
     }

@@ -38,11 +38,13 @@ struct PendingConfiguration {
     void TakeVlan(uint16_t value);
     // `result`: the IPv4 dialog's configuration (its DHCP and none flags, address, mask, gateway).
     void TakeIpv4(const Keelson::Network::IpConfig& result);
-    // `result`: the IPv6 dialog's configuration; `addressEdited`: a static address field was typed in.
+    // `result`: the IPv6 dialog's configuration; `addressEdited`: a static address field was typed
+    // in.
     void TakeIpv6(bool enabled, const Keelson::Network::IpConfig& result, bool addressEdited);
     // The DNS dialog's choice; with a manual choice its address objects replace the pending ones.
     void TakeDns(bool useDhcp, std::unique_ptr<Keelson::Network::IpAddress> primary,
-                 std::unique_ptr<Keelson::Network::IpAddress> alternate, const std::string& newHostname);
+                 std::unique_ptr<Keelson::Network::IpAddress> alternate,
+                 const std::string& newHostname);
     void TakeSuffixes(const std::string& text);
 
     // Anything to ask about when the operator leaves.
@@ -68,6 +70,7 @@ void ReadAddresses(Keelson::Network::NetworkInterface& nic, PendingConfiguration
 // the host is read when the menu opens. Library exceptions pass to the caller.
 ReadResult ReadPendingConfiguration(Keelson::Network::NetworkInterface& nic,
                                     TesselCtl::Network::RoutingInfoImpl& routing,
-                                    TesselCtl::Network::DnsConfigImpl& dns, PendingConfiguration& pending);
+                                    TesselCtl::Network::DnsConfigImpl& dns,
+                                    PendingConfiguration& pending);
 
 } // namespace Lanyx

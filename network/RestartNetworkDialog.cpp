@@ -15,13 +15,12 @@ constexpr int kTitleHeight = 7;
 } // namespace
 
 RestartNetworkDialog::RestartNetworkDialog(Frame* owner, Keelson::Network::NetworkInterface* nic)
-    : Dialog(owner, kWidth, kHeight, kTitleHeight), interface(nic)
-{
-    questionText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1);
+    : Dialog(owner, kWidth, kHeight, kTitleHeight), interface(nic) {
+    questionText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(),
+                                contentWindow->GetHeight(), -1);
 }
 
-bool RestartNetworkDialog::Execute()
-{
+bool RestartNetworkDialog::Execute() {
     SetTitle(CatalogueText(Ids::RestartNetworkConfirmTitle));
     SetMessage(CatalogueText(Ids::RestartNetworkConfirmMessage));
     questionText->SetText(CatalogueText(Ids::RestartNetworkQuestion));

@@ -29,14 +29,14 @@ constexpr int kPollMilliseconds = 10;
 
 constexpr const char* kCancelFooter =
     "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
-constexpr const char* kOkFooter = "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
+constexpr const char* kOkFooter =
+    "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
 
 constexpr const char* kHosts = "/etc/hosts";
 constexpr const char* kHostsBackup = "/etc/hosts.backup";
 
 // Takes the hosts file back from its copy; a failure is logged and changes no outcome.
-void RestoreHosts()
-{
+void RestoreHosts() {
     try {
         fs::remove(HostPath(kHosts));
         fs::rename(HostPath(kHostsBackup), HostPath(kHosts));
@@ -47,8 +47,7 @@ void RestoreHosts()
 
 } // namespace
 
-void PingWorker(std::string interfaceName, std::string address, TestStatus status)
-{
+void PingWorker(std::string interfaceName, std::string address, TestStatus status) {
     std::string command = HostPath("/bin/tesselping") + " -c 3 ";
     if (!interfaceName.empty())
         command += "-I " + interfaceName;
@@ -62,8 +61,7 @@ void PingWorker(std::string interfaceName, std::string address, TestStatus statu
     status->store(outcome);
 }
 
-void ResolveWorker(std::string hostname, TestStatus status)
-{
+void ResolveWorker(std::string hostname, TestStatus status) {
     try {
         // Refuses to overwrite: a copy left over means an earlier lookup has not put it back yet.
         fs::copy_file(HostPath(kHosts), HostPath(kHostsBackup), fs::copy_options::none);
@@ -93,15 +91,15 @@ void ResolveWorker(std::string hostname, TestStatus status)
 }
 
 RunTestDialog::RunTestDialog(Frame* owner, const Keelson::Network::IpAddress* target1,
-                             const Keelson::Network::IpAddress* target2, const Keelson::Network::IpAddress* target3,
-                             std::string name)
-    : Dialog(owner, kWidth, kHeight, kTitleHeight), targets{target1, target2, target3}, hostname(std::move(name))
-{
-    resultText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1);
+                             const Keelson::Network::IpAddress* target2,
+                             const Keelson::Network::IpAddress* target3, std::string name)
+    : Dialog(owner, kWidth, kHeight, kTitleHeight), targets{target1, target2, target3},
+      hostname(std::move(name)) {
+    resultText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth(),
+                              contentWindow->GetHeight(), -1);
 }
 
-bool RunTestDialog::Execute()
-{
+bool RunTestDialog::Execute() {
     wtimeout(stdscr, kPollMilliseconds);
     SetTitle(CatalogueText(Ids::TestingNetwork));
     SetMessage(CatalogueText(Ids::InterruptTest));
@@ -112,7 +110,8 @@ bool RunTestDialog::Execute()
             finished = PingTarget(*targets[n], static_cast<int>(n + 1));
     }
     if (finished && !hostname.empty()) {
-        resultText->AppendText(std::string(CatalogueText(Ids::ResolvingHostname)) + " (" + hostname + ").");
+        resultText->AppendText(std::string(CatalogueText(Ids::ResolvingHostname)) + " (" +
+                               hostname + ").");
         auto status = std::make_shared<std::atomic<int32_t>>(kTestRunning);
         std::thread(ResolveWorker, hostname, status).detach();
         finished = AwaitStatus(status);
@@ -126,8 +125,7 @@ bool RunTestDialog::Execute()
     return true;
 }
 
-bool RunTestDialog::PingTarget(const Keelson::Network::IpAddress& address, int number)
-{
+bool RunTestDialog::PingTarget(const Keelson::Network::IpAddress& address, int number) {
     const std::unique_ptr<Keelson::Network::NetworkInterface> nic(
         TesselCtl::Network::NetworkInfoImpl().GetManagementInterface());
     const std::string interfaceName = nic ? nic->GetInterfaceName() : std::string();
@@ -137,15 +135,14 @@ bool RunTestDialog::PingTarget(const Keelson::Network::IpAddress& address, int n
     const auto* ipv6 = dynamic_cast<const Keelson::Network::Ipv6Address*>(&address);
     if (ipv6 && nic && ipv6->IsLinkLocal())
         scope = "%" + interfaceName;
-    resultText->AppendText(std::string(CatalogueText(Ids::PingingAddress)) + " #" + std::to_string(number) + " (" +
-                           text + scope + ").");
+    resultText->AppendText(std::string(CatalogueText(Ids::PingingAddress)) + " #" +
+                           std::to_string(number) + " (" + text + scope + ").");
     auto status = std::make_shared<std::atomic<int32_t>>(kTestRunning);
     std::thread(PingWorker, interfaceName, text, status).detach();
     return AwaitStatus(status);
 }
 
-bool RunTestDialog::AwaitStatus(const TestStatus& status)
-{
+bool RunTestDialog::AwaitStatus(const TestStatus& status) {
     for (;;) {
         if (wgetch(stdscr) == Keys::Escape)
             return false;
@@ -157,10 +154,9 @@ bool RunTestDialog::AwaitStatus(const TestStatus& status)
     }
 }
 
-void RunTestDialog::ShowResult(int32_t status)
-{
-    resultText->AppendText(std::string("{align:right}") + CatalogueText(status == 0 ? Ids::Ok : Ids::Failed) +
-                           "{/align}\n");
+void RunTestDialog::ShowResult(int32_t status) {
+    resultText->AppendText(std::string("{align:right}") +
+                           CatalogueText(status == 0 ? Ids::Ok : Ids::Failed) + "{/align}\n");
 }
 
 } // namespace Lanyx

@@ -24,8 +24,8 @@ class RunTestDialog : public Dialog {
 public:
     // Null targets are skipped; an empty name skips the lookup. Nothing is owned.
     RunTestDialog(Frame* owner, const Keelson::Network::IpAddress* target1,
-                  const Keelson::Network::IpAddress* target2, const Keelson::Network::IpAddress* target3,
-                  std::string hostname);
+                  const Keelson::Network::IpAddress* target2,
+                  const Keelson::Network::IpAddress* target3, std::string hostname);
 
     // False when the operator interrupted the test.
     bool Execute() override;

@@ -14,15 +14,14 @@ constexpr int kFieldWidth = 40;
 } // namespace
 
 SuffixesDialog::SuffixesDialog(Frame* owner, const std::string& suffixes)
-    : FormDialog(owner, kWidth, kHeight, kTitleHeight)
-{
+    : FormDialog(owner, kWidth, kHeight, kTitleHeight) {
     CreateList(0, 1);
-    suffixesItem = AddField(CatalogueText(Ids::SuffixesLabel), suffixes, kFieldWidth, Filters::Suffixes);
+    suffixesItem =
+        AddField(CatalogueText(Ids::SuffixesLabel), suffixes, kFieldWidth, Filters::Suffixes);
     ShowItems();
 }
 
-void SuffixesDialog::Open()
-{
+void SuffixesDialog::Open() {
     SetTitle(CatalogueText(Ids::SuffixesEntry));
     SetMessage(CatalogueText(Ids::SuffixesMessage));
     SetFooter(Footers::kOkCancel);

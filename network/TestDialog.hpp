@@ -34,8 +34,9 @@ private:
 // The default ping targets in the order they fill the fields: IPv4 gateway, IPv6 gateway (only
 // with IPv6 on), first IPv4 and IPv6 servers, second IPv4 and IPv6 servers. Empty texts,
 // "0.0.0.0" and "::" are no target; at most three.
-std::vector<std::string> DefaultPingTargets(const std::string& gateway, const std::string& ipv6Gateway,
-                                            bool ipv6Enabled, const std::vector<std::string>& servers,
+std::vector<std::string> DefaultPingTargets(const std::string& gateway,
+                                            const std::string& ipv6Gateway, bool ipv6Enabled,
+                                            const std::vector<std::string>& servers,
                                             const std::vector<std::string>& ipv6Servers);
 
 } // namespace Lanyx

@@ -15,12 +15,9 @@ constexpr int kTitleHeight = 6;
 
 UsedAdaptersDialog::UsedAdaptersDialog(Frame* owner)
     : Dialog(owner, kWidth, kHeight, kTitleHeight),
-      text(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1)
-{
-}
+      text(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight(), -1) {}
 
-bool UsedAdaptersDialog::Execute()
-{
+bool UsedAdaptersDialog::Execute() {
     SetTitle(CatalogueText(Ids::AdaptersWarningTitle));
     SetMessage(CatalogueText(Ids::AdaptersInUse));
     SetFooter(Footers::kOkCancel);

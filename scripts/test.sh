@@ -3,6 +3,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 scripts/setup-deps.sh
+scripts/format.sh --check
 scripts/build.sh
 export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1}"
 export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"

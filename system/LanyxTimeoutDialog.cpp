@@ -22,34 +22,32 @@ constexpr char kOption[] = "/UserVars/LanyxTimeOut";
 
 // The option's integer side; null when the host has no such option or it holds no integer.
 // Library failures are not caught here.
-std::unique_ptr<Keelson::Adv::AdvancedOption> FindTimeoutOption()
-{
-    return std::unique_ptr<Keelson::Adv::AdvancedOption>(TesselCtl::Adv::AdvancedOptionImpl::FindOption(kOption));
+std::unique_ptr<Keelson::Adv::AdvancedOption> FindTimeoutOption() {
+    return std::unique_ptr<Keelson::Adv::AdvancedOption>(
+        TesselCtl::Adv::AdvancedOptionImpl::FindOption(kOption));
 }
 
 } // namespace
 
-LanyxTimeoutDialog::LanyxTimeoutDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTitleHeight)
-{
+LanyxTimeoutDialog::LanyxTimeoutDialog(Frame* owner)
+    : FormDialog(owner, kWidth, kHeight, kTitleHeight) {
     timeoutSeconds = kDefaultSeconds;
     const std::unique_ptr<Keelson::Adv::AdvancedOption> option = FindTimeoutOption();
     if (auto* integer = dynamic_cast<Keelson::Adv::AdvancedIntegerOption*>(option.get()))
         timeoutSeconds = static_cast<uint32_t>(integer->GetValue());
     CreateList(0, 2);
-    timeoutItem = AddField(CatalogueText(Ids::LanyxTimeoutLabel), std::to_string(timeoutSeconds / 60), kFieldWidth,
-                           Filters::Digits);
+    timeoutItem = AddField(CatalogueText(Ids::LanyxTimeoutLabel),
+                           std::to_string(timeoutSeconds / 60), kFieldWidth, Filters::Digits);
     ShowItems();
 }
 
-void LanyxTimeoutDialog::Open()
-{
+void LanyxTimeoutDialog::Open() {
     SetTitle(CatalogueText(Ids::LanyxTimeoutTitle));
     SetMessage(CatalogueText(Ids::LanyxTimeoutMessage));
     SetFooter(Footers::kOkCancel);
 }
 
-bool LanyxTimeoutDialog::Accept()
-{
+bool LanyxTimeoutDialog::Accept() {
     const std::optional<unsigned long> minutes = TimeoutMinutes(timeoutItem->GetValue());
     if (!minutes)
         return true;

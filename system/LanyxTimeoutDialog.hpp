@@ -1,4 +1,5 @@
-// The console's own idle limit, kept in a host advanced option; a new limit holds from the next key.
+// The console's own idle limit, kept in a host advanced option; a new limit holds from the next
+// key.
 #pragma once
 #include <cstdint>
 

@@ -12,15 +12,12 @@ constexpr int kTitleHeight = 7;
 
 } // namespace
 
-PowerActionDialog::PowerActionDialog(Frame* owner, bool graceful, uint32_t titleId, uint32_t messageId,
-                                     std::string command)
-    : Dialog(owner, kWidth, kHeight, kTitleHeight), graceful(graceful), titleId(titleId), messageId(messageId),
-      command(std::move(command))
-{
-}
+PowerActionDialog::PowerActionDialog(Frame* owner, bool graceful, uint32_t titleId,
+                                     uint32_t messageId, std::string command)
+    : Dialog(owner, kWidth, kHeight, kTitleHeight), graceful(graceful), titleId(titleId),
+      messageId(messageId), command(std::move(command)) {}
 
-bool PowerActionDialog::Execute()
-{
+bool PowerActionDialog::Execute() {
     SetTitle(CatalogueText(titleId));
     SetMessage(CatalogueText(messageId));
     // Guests are stopped first and stay stopped whatever the power command does.

@@ -18,7 +18,8 @@ public:
     bool graceful;
 
 protected:
-    PowerActionDialog(Frame* owner, bool graceful, uint32_t titleId, uint32_t messageId, std::string command);
+    PowerActionDialog(Frame* owner, bool graceful, uint32_t titleId, uint32_t messageId,
+                      std::string command);
 
 private:
     uint32_t titleId;

@@ -5,8 +5,6 @@
 namespace Lanyx {
 
 RebootConfirmDialog::RebootConfirmDialog(Frame* owner, bool graceful)
-    : PowerActionDialog(owner, graceful, Ids::RestartHost, Ids::RestartInProgress, "reboot")
-{
-}
+    : PowerActionDialog(owner, graceful, Ids::RestartHost, Ids::RestartInProgress, "reboot") {}
 
 } // namespace Lanyx

@@ -13,8 +13,8 @@
 #include "keelson/Lib.hpp"
 #include "keelson/System.hpp"
 #include "keelson/Util.hpp"
-#include "text/Footers.hpp"
 #include "text/CatalogueIds.hpp"
+#include "text/Footers.hpp"
 
 namespace Lanyx {
 
@@ -25,21 +25,19 @@ constexpr int kHeight = 20;
 constexpr int kTitleHeight = 9;
 
 // The agent script's lines; the script and its shell are the host's.
-std::string AgentsLine(const char* action)
-{
+std::string AgentsLine(const char* action) {
     return HostPath("/bin/sh") + " " + HostPath("/sbin/agents.sh") + " " + action;
 }
 
 // Finished lines in dark grey (left open in `done`), the running step in black.
-std::string Running(const std::string& done, const char* step)
-{
+std::string Running(const std::string& done, const char* step) {
     return done + "{/color}{color:black}" + step + "{/color}";
 }
 
 } // namespace
 
-RestartAgentsDialog::RestartAgentsDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight)
-{
+RestartAgentsDialog::RestartAgentsDialog(Frame* owner)
+    : Dialog(owner, kWidth, kHeight, kTitleHeight) {
     progressText = new TextArea(contentWindow, 1, 2, kWidth - 8, 3, -1);
     collectItem = std::make_unique<CheckItem>(CatalogueText(Ids::CollectLiveCore), false);
     items.push_back(collectItem.get());
@@ -49,12 +47,12 @@ RestartAgentsDialog::RestartAgentsDialog(Frame* owner) : Dialog(owner, kWidth, k
 
 RestartAgentsDialog::~RestartAgentsDialog() = default;
 
-void* RestartAgentsDialog::LiveCoreThread(void*)
-{
+void* RestartAgentsDialog::LiveCoreThread(void*) {
     try {
         Log(LOG_INFO, "Executing tesseltrace -c against helmd");
         const int result = TesselCtl::Util::TesselCtl_Exec(
-            HostPath("/sbin/tesseltrace") + " -w -n helmd -o helmd-restart% -d /var/log/", false, true, false);
+            HostPath("/sbin/tesseltrace") + " -w -n helmd -o helmd-restart% -d /var/log/", false,
+            true, false);
         if (result == 0)
             TesselCtl::System::SystemInfoImpl().SetSystemAlert("Helmd core dump completed");
         else
@@ -65,8 +63,7 @@ void* RestartAgentsDialog::LiveCoreThread(void*)
     return nullptr;
 }
 
-bool RestartAgentsDialog::StartLiveCore()
-{
+bool RestartAgentsDialog::StartLiveCore() {
     pthread_attr_t attributes;
     int error = pthread_attr_init(&attributes);
     if (error == 0) {
@@ -80,8 +77,7 @@ bool RestartAgentsDialog::StartLiveCore()
     return error == 0;
 }
 
-bool RestartAgentsDialog::Execute()
-{
+bool RestartAgentsDialog::Execute() {
     SetTitle(CatalogueText(Ids::RestartAgentsConfirmTitle));
     SetMessage(CatalogueText(Ids::RestartAgentsConfirmMessage));
     SetFooter(Footers::kF11OkCancel);

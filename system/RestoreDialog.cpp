@@ -9,8 +9,8 @@
 #include "host/HostRoot.hpp"
 #include "host/Log.hpp"
 #include "host/Records.hpp"
-#include "text/Footers.hpp"
 #include "text/CatalogueIds.hpp"
+#include "text/Footers.hpp"
 
 namespace Lanyx {
 
@@ -25,13 +25,12 @@ constexpr char kRestartFooter[] =
 
 } // namespace
 
-RestoreDialog::RestoreDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight)
-{
-    questionText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth() - 6, contentWindow->GetHeight(), -1);
+RestoreDialog::RestoreDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {
+    questionText = new TextArea(contentWindow, 0, 0, contentWindow->GetWidth() - 6,
+                                contentWindow->GetHeight(), -1);
 }
 
-bool RestoreDialog::Execute()
-{
+bool RestoreDialog::Execute() {
     SetTitle(CatalogueText(Ids::ResetConfirmTitle));
     SetMessage(CatalogueText(Ids::ResetConfirmMessage));
     questionText->SetText(CatalogueText(Ids::ResetQuestion));

@@ -6,9 +6,9 @@
 #include "host/CommandRunner.hpp"
 #include "host/HostRoot.hpp"
 #include "host/Log.hpp"
-#include "zephora/support.h"
 #include "system/TimeoutField.hpp"
 #include "text/CatalogueIds.hpp"
+#include "zephora/support.h"
 
 namespace Lanyx {
 
@@ -26,8 +26,7 @@ constexpr char kAvailabilityOption[] = "/UserVars/OstraShellTimeOut";
 constexpr char kIdleOption[] = "/UserVars/OstraShellInteractiveTimeOut";
 
 // The option's seconds as ostra-tune reports them, in whole minutes.
-uint32_t ReadMinutes(const char* option)
-{
+uint32_t ReadMinutes(const char* option) {
     char output[kReadCapacity] = {};
     int length = kReadCapacity;
     const char* const argv[] = {"ostra-tune", "-q", "-g", option, nullptr};
@@ -41,9 +40,9 @@ uint32_t ReadMinutes(const char* option)
 
 // The option set through ostraq, or through benchq when ostraq fails; a failure of both is
 // not told to anyone.
-void WriteSeconds(const char* option, const char* seconds)
-{
-    const char* argv[] = {"ostraq", "system", "settings", "advanced", "set", "-o", option, "-i", seconds, nullptr};
+void WriteSeconds(const char* option, const char* seconds) {
+    const char* argv[] = {"ostraq", "system", "settings", "advanced", "set",
+                          "-o",     option,   "-i",       seconds,    nullptr};
     if (RunCommand("/sbin/ostraq", argv) != 0) {
         argv[0] = "benchq";
         RunCommand("/sbin/benchq", argv);
@@ -51,8 +50,7 @@ void WriteSeconds(const char* option, const char* seconds)
 }
 
 // A service that runs is restarted, so that it takes the new time-out; a stopped one is left.
-void RestartIfRunning(const char* script)
-{
+void RestartIfRunning(const char* script) {
     const std::string path = HostPath(script);
     const char* const status[] = {"sh", path.c_str(), "status", nullptr};
     if (RunCommand("/bin/sh", status) != 0)
@@ -69,26 +67,25 @@ struct ShellTimeoutDialog::Setting {
     const char* modifiedLog;
 };
 
-ShellTimeoutDialog::ShellTimeoutDialog(Frame* owner) : FormDialog(owner, kWidth, kHeight, kTitleHeight)
-{
+ShellTimeoutDialog::ShellTimeoutDialog(Frame* owner)
+    : FormDialog(owner, kWidth, kHeight, kTitleHeight) {
     availabilityMinutes = ReadMinutes(kAvailabilityOption);
     idleMinutes = ReadMinutes(kIdleOption);
     CreateList(0, 2);
-    availabilityItem = AddField(CatalogueText(Ids::AvailabilityTimeout), std::to_string(availabilityMinutes),
-                                kFieldWidth, Filters::Digits);
-    idleItem = AddField(CatalogueText(Ids::IdleTimeout), std::to_string(idleMinutes), kFieldWidth, Filters::Digits);
+    availabilityItem = AddField(CatalogueText(Ids::AvailabilityTimeout),
+                                std::to_string(availabilityMinutes), kFieldWidth, Filters::Digits);
+    idleItem = AddField(CatalogueText(Ids::IdleTimeout), std::to_string(idleMinutes), kFieldWidth,
+                        Filters::Digits);
     ShowItems();
 }
 
-void ShellTimeoutDialog::Open()
-{
+void ShellTimeoutDialog::Open() {
     SetTitle(CatalogueText(Ids::ShellTimeoutsTitle));
     SetMessage(CatalogueText(Ids::ShellTimeoutsMessage));
     SetFooter(Footers::kOkCancel);
 }
 
-bool ShellTimeoutDialog::Accept()
-{
+bool ShellTimeoutDialog::Accept() {
     static const Setting availability{kAvailabilityOption, "Disabled Shell timeout",
                                       "Modified Shell timeout to %d minutes"};
     static const Setting idle{kIdleOption, "Disabled shell interactive timeout",
@@ -99,8 +96,7 @@ bool ShellTimeoutDialog::Accept()
 }
 
 void ShellTimeoutDialog::Apply(const Setting& setting, const InputItem& field, uint32_t current,
-                               bool restartServices)
-{
+                               bool restartServices) {
     const std::optional<unsigned long> minutes = TimeoutMinutes(field.GetValue());
     if (!minutes)
         return;

@@ -25,7 +25,8 @@ protected:
 
 private:
     struct Setting;
-    void Apply(const Setting& setting, const InputItem& field, uint32_t current, bool restartServices);
+    void Apply(const Setting& setting, const InputItem& field, uint32_t current,
+               bool restartServices);
 
     uint32_t availabilityMinutes = 0;
     uint32_t idleMinutes = 0;

@@ -5,8 +5,6 @@
 namespace Lanyx {
 
 ShutdownConfirmDialog::ShutdownConfirmDialog(Frame* owner, bool graceful)
-    : PowerActionDialog(owner, graceful, Ids::ShutDownHost, Ids::ShutdownInProgress, "poweroff")
-{
-}
+    : PowerActionDialog(owner, graceful, Ids::ShutDownHost, Ids::ShutdownInProgress, "poweroff") {}
 
 } // namespace Lanyx

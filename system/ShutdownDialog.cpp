@@ -17,26 +17,26 @@ constexpr int kWidth = 60;
 constexpr int kHeight = 19;
 constexpr int kTitleHeight = 13;
 
-constexpr char kFooter[] = "{color:black}<F2>{/color} {color:dark-grey}Shut Down{/color}  "
-                           "{color:black}<F11>{/color} {color:dark-grey}Restart{/color}"
-                           "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+constexpr char kFooter[] =
+    "{color:black}<F2>{/color} {color:dark-grey}Shut Down{/color}  "
+    "{color:black}<F11>{/color} {color:dark-grey}Restart{/color}"
+    "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 
 } // namespace
 
-ShutdownDialog::ShutdownDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight)
-{
+ShutdownDialog::ShutdownDialog(Frame* owner) : Dialog(owner, kWidth, kHeight, kTitleHeight) {
     forceItem = std::make_unique<CheckItem>(CatalogueText(Ids::ForceTerminate), false);
     items.push_back(forceItem.get());
     if (contentWindow) {
-        itemList = new ItemList(contentWindow, 0, 0, contentWindow->GetWidth(), contentWindow->GetHeight());
+        itemList = new ItemList(contentWindow, 0, 0, contentWindow->GetWidth(),
+                                contentWindow->GetHeight());
         itemList->SetItems(items);
     }
 }
 
 ShutdownDialog::~ShutdownDialog() = default;
 
-bool ShutdownDialog::Execute()
-{
+bool ShutdownDialog::Execute() {
     SetTitle(CatalogueText(Ids::ShutdownTitle));
     SetMessage(CatalogueText(Ids::ShutdownMessage));
     if (itemList)

@@ -4,8 +4,7 @@
 
 namespace Lanyx {
 
-std::optional<unsigned long> TimeoutMinutes(const std::string& text)
-{
+std::optional<unsigned long> TimeoutMinutes(const std::string& text) {
     if (text.empty())
         return std::nullopt;
     // Digits only reach the field, so the number cannot be negative; one too long to fit stops

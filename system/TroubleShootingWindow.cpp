@@ -31,8 +31,7 @@ constexpr const char* kRestartFooter =
     "{color:white}<Esc>{/color}{color:light-grey} Exit{/color}{/align}";
 
 // The scripts take host paths as arguments of the host's shell, so those are mapped too.
-int RunInitScript(const char* script, const char* action)
-{
+int RunInitScript(const char* script, const char* action) {
     const std::string path = HostPath(script);
     const char* const argv[] = {"sh", path.c_str(), action, nullptr};
     return RunCommand("/bin/sh", argv);
@@ -56,8 +55,7 @@ struct TroubleShootingWindow::Service {
 };
 
 TroubleShootingWindow::TroubleShootingWindow(Frame* owner)
-    : MenuWindow(owner, Ids::TroubleshootingTitle, Footers::kMenuSelect)
-{
+    : MenuWindow(owner, Ids::TroubleshootingTitle, Footers::kMenuSelect) {
     shellEnabled = RunInitScript(kShellScript, "status") == 0;
     sshEnabled = RunInitScript(kSshScript, "status") == 0;
     AddEntry(shellEnabled ? Ids::DisableShell : Ids::EnableShell);
@@ -69,14 +67,12 @@ TroubleShootingWindow::TroubleShootingWindow(Frame* owner)
     ShowEntries();
 }
 
-void TroubleShootingWindow::UpdateContent()
-{
+void TroubleShootingWindow::UpdateContent() {
     MenuWindow::UpdateContent();
     SetRightFooter(Footers::kChangeExit);
 }
 
-void TroubleShootingWindow::ShowSelectedEntry()
-{
+void TroubleShootingWindow::ShowSelectedEntry() {
     if (!strings)
         return;
     detailText->SetText("");
@@ -88,23 +84,28 @@ void TroubleShootingWindow::ShowSelectedEntry()
     case Ids::EnableShell:
     case Ids::DisableShell:
         title = Ids::ShellTitle;
-        text = std::string("{/color}{color:white}") + CatalogueText(shellEnabled ? Ids::ShellEnabled : Ids::ShellDisabled) +
+        text = std::string("{/color}{color:white}") +
+               CatalogueText(shellEnabled ? Ids::ShellEnabled : Ids::ShellDisabled) +
                "{/color}\n\n{color:light-grey}" + CatalogueText(Ids::ShellStateHelp) + "{/color}";
         break;
     case Ids::EnableSsh:
     case Ids::DisableSsh:
         title = Ids::SshTitle;
-        text = std::string("{/color}{color:white}") + CatalogueText(sshEnabled ? Ids::SshEnabled : Ids::SshDisabled) +
+        text = std::string("{/color}{color:white}") +
+               CatalogueText(sshEnabled ? Ids::SshEnabled : Ids::SshDisabled) +
                "\n\n{/color}{color:light-grey}" + CatalogueText(Ids::SshStateHelp) + "{/color}";
         break;
     case Ids::ShellTimeoutsEntry:
-        text = std::string("{color:light-grey}") + CatalogueText(Ids::ShellTimeoutsHelp) + "{/color}";
+        text =
+            std::string("{color:light-grey}") + CatalogueText(Ids::ShellTimeoutsHelp) + "{/color}";
         break;
     case Ids::LanyxTimeoutEntry:
-        text = std::string("{color:light-grey}") + CatalogueText(Ids::LanyxTimeoutHelp) + "{/color}";
+        text =
+            std::string("{color:light-grey}") + CatalogueText(Ids::LanyxTimeoutHelp) + "{/color}";
         break;
     case Ids::RestartAgentsEntry:
-        text = std::string("{color:light-grey}") + CatalogueText(Ids::RestartAgentsHelp) + "{/color}";
+        text =
+            std::string("{color:light-grey}") + CatalogueText(Ids::RestartAgentsHelp) + "{/color}";
         footer = kRestartFooter;
         break;
     default:
@@ -118,8 +119,7 @@ void TroubleShootingWindow::ShowSelectedEntry()
     SetLeftFooter(Footers::kMenuSelect);
 }
 
-void TroubleShootingWindow::RunEntry(uint32_t id)
-{
+void TroubleShootingWindow::RunEntry(uint32_t id) {
     static const Service shell{kShellScript,
                                "helmnode/stop_ostra_shell",
                                "helmnode/start_ostra_shell",
@@ -170,12 +170,11 @@ void TroubleShootingWindow::RunEntry(uint32_t id)
     }
 }
 
-void TroubleShootingWindow::Toggle(const Service& service, bool& enabled)
-{
+void TroubleShootingWindow::Toggle(const Service& service, bool& enabled) {
     const bool stopping = enabled;
     // One vector for both calls: a fall back to the console's own account holds for the second.
-    const char* argv[] = {"helmq", "-U", loginUser.c_str(), stopping ? service.stopCommand : service.startCommand,
-                          nullptr};
+    const char* argv[] = {"helmq", "-U", loginUser.c_str(),
+                          stopping ? service.stopCommand : service.startCommand, nullptr};
     if (RunHelmq("/bin/helmq", argv) != 0) {
         Log(LOG_WARNING, "%s", service.runWarning);
         RunInitScript(service.initScript, stopping ? "stop" : "start");
@@ -196,8 +195,7 @@ void TroubleShootingWindow::Toggle(const Service& service, bool& enabled)
     Draw();
 }
 
-void TroubleShootingWindow::SetSshFirewall(bool open)
-{
+void TroubleShootingWindow::SetSshFirewall(bool open) {
     GuardedStep(
         [open] {
             const std::unique_ptr<Keelson::System::FirewallRuleset> ruleset =

@@ -12,8 +12,10 @@ Dialog::Dialog(Frame* owner, int width, int height, int titleHeight)
         werase(handle.get());
     }
     const int bodyHeight = height - titleHeight;
-    titlePane = CreateChild(0, 0, width, titleHeight, Roles::TitlePane.background, Roles::TitlePane.foreground);
-    bodyPane = CreateChild(0, titleHeight, width, bodyHeight, Roles::Body.background, Roles::Body.foreground);
+    titlePane = CreateChild(0, 0, width, titleHeight, Roles::TitlePane.background,
+                            Roles::TitlePane.foreground);
+    bodyPane = CreateChild(0, titleHeight, width, bodyHeight, Roles::Body.background,
+                           Roles::Body.foreground);
     // The panes share the dialog's cells, so the frame line shows through both.
     if (handle) {
         box(handle.get(), 0, 0);
@@ -22,8 +24,8 @@ Dialog::Dialog(Frame* owner, int width, int height, int titleHeight)
     messageText = new TextArea(titlePane, 3, 3, width - 6, titleHeight - 4, Roles::MessageText);
     footerText = new TextArea(bodyPane, 2, bodyHeight - 2, width - 4, 1, Roles::FooterText);
     if (bodyHeight - 4 >= 1) {
-        contentWindow = bodyPane->CreateChild(2, 1, width - 4, bodyHeight - 4, Roles::Content.background,
-                                                  Roles::Content.foreground);
+        contentWindow = bodyPane->CreateChild(2, 1, width - 4, bodyHeight - 4,
+                                              Roles::Content.background, Roles::Content.foreground);
     }
 }
 

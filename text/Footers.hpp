@@ -5,7 +5,8 @@
 namespace Lanyx::Footers {
 
 // Boxes that show a text and wait for Enter.
-inline constexpr const char* kOk = "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
+inline constexpr const char* kOk =
+    "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
 // Forms: Enter accepts, Esc leaves without a change.
 inline constexpr const char* kOkCancel =
     "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  "
@@ -18,7 +19,8 @@ inline constexpr const char* kConfirmCancel =
     "{color:black}<Enter>{/color} {color:dark-grey}Confirm{/color}{align:right}"
     "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kYesNoCancel =
-    "{color:black}<Y>{/color} {color:dark-grey}Yes{/color}  {color:black}<N>{/color} {color:dark-grey}No{/color}"
+    "{color:black}<Y>{/color} {color:dark-grey}Yes{/color}  {color:black}<N>{/color} "
+    "{color:dark-grey}No{/color}"
     "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 // Forms with radio buttons or check boxes.
 inline constexpr const char* kSelectMarkOkCancel =
@@ -37,7 +39,8 @@ inline constexpr const char* kDetailsToggleOkCancel =
     "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 
 // Left footer of the menus.
-inline constexpr const char* kMenuSelect = "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}";
+inline constexpr const char* kMenuSelect =
+    "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}";
 // Right footers of the second-level menus, where Esc goes back.
 inline constexpr const char* kChangeExit =
     "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}"

@@ -9,13 +9,11 @@ namespace Lanyx {
 
 namespace {
 
-bool IsByte(int key)
-{
+bool IsByte(int key) {
     return key >= 0 && key <= 0xff;
 }
 
-bool IsAlnum(int key)
-{
+bool IsAlnum(int key) {
     return IsByte(key) && std::isalnum(key);
 }
 
@@ -30,8 +28,7 @@ public:
 
 } // namespace
 
-bool IsEditKey(int key)
-{
+bool IsEditKey(int key) {
     switch (key) {
     case Keys::DeleteChar:
     case Keys::Backspace:
@@ -48,74 +45,62 @@ bool IsEditKey(int key)
 
 namespace Filters {
 
-bool Printable(int key)
-{
+bool Printable(int key) {
     return IsByte(key) && std::isprint(key);
 }
 
-bool Visible(int key)
-{
+bool Visible(int key) {
     return IsByte(key) && std::isgraph(key);
 }
 
-bool Digits(int key)
-{
+bool Digits(int key) {
     return IsByte(key) && std::isdigit(key);
 }
 
-bool Ipv4(int key)
-{
+bool Ipv4(int key) {
     return Digits(key) || key == '.';
 }
 
-bool IpAddress(int key)
-{
+bool IpAddress(int key) {
     return (IsByte(key) && std::isxdigit(key)) || key == '.' || key == ':';
 }
 
-bool Ipv6Network(int key)
-{
+bool Ipv6Network(int key) {
     return IsAlnum(key) || key == ':' || key == '/' || key == '%';
 }
 
-bool HostName(int key)
-{
+bool HostName(int key) {
     return IsAlnum(key) || key == '-' || key == '.';
 }
 
-bool Suffixes(int key)
-{
+bool Suffixes(int key) {
     return HostName(key) || key == ' ' || key == ',';
 }
 
 } // namespace Filters
 
 FormDialog::FormDialog(Frame* owner, int width, int height, int titleHeight)
-    : Dialog(owner, width, height, titleHeight)
-{
-}
+    : Dialog(owner, width, height, titleHeight) {}
 
-void FormDialog::CreateList(int top, int rows)
-{
+void FormDialog::CreateList(int top, int rows) {
     Window* content = contentWindow;
     const int height = rows > 0 ? rows : content->GetHeight() - top;
     list = new ItemList(content, 0, top, content->GetWidth(), height);
 }
 
-InputItem* FormDialog::AddField(std::string label, std::string value, int fieldWidth, FieldFilter filter)
-{
-    InputItem* field = Add(std::make_unique<InputItem>(std::move(label), std::move(value), fieldWidth));
+InputItem* FormDialog::AddField(std::string label, std::string value, int fieldWidth,
+                                FieldFilter filter) {
+    InputItem* field =
+        Add(std::make_unique<InputItem>(std::move(label), std::move(value), fieldWidth));
     filters[field] = filter;
     return field;
 }
 
-void FormDialog::ShowItems()
-{
+void FormDialog::ShowItems() {
     list->SetItems(items);
 }
 
-bool FormDialog::Execute()
-{
+bool FormDialog::Execute() {
     const CursorGuard cursor;
     if (!Prepare())
         return false;
@@ -136,8 +121,7 @@ bool FormDialog::Execute()
     }
 }
 
-FormDialog::KeyResult FormDialog::HandleKey(int key)
-{
+FormDialog::KeyResult FormDialog::HandleKey(int key) {
     switch (key) {
     case Keys::Up:
         SelectPrevious();
@@ -155,8 +139,7 @@ FormDialog::KeyResult FormDialog::HandleKey(int key)
     return KeyResult::Continue;
 }
 
-bool FormDialog::FieldTakes(const InputItem& field, int key) const
-{
+bool FormDialog::FieldTakes(const InputItem& field, int key) const {
     if (!field.IsEnabled())
         return false;
     if (IsEditKey(key))
@@ -165,8 +148,7 @@ bool FormDialog::FieldTakes(const InputItem& field, int key) const
     return filter != filters.end() && filter->second(key);
 }
 
-bool FormDialog::EditSelectedField(int key)
-{
+bool FormDialog::EditSelectedField(int key) {
     InputItem* field = SelectedField();
     if (!field || !FieldTakes(*field, key))
         return false;
@@ -176,34 +158,29 @@ bool FormDialog::EditSelectedField(int key)
     return true;
 }
 
-void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, uint32_t messageId)
-{
+void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, uint32_t messageId) {
     SelectOrdinal(ordinal);
     MessageDialog(this, titleId, messageId).RunModal();
     Redraw();
 }
 
-void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, const std::string& message)
-{
+void FormDialog::Reject(uint32_t ordinal, uint32_t titleId, const std::string& message) {
     SelectOrdinal(ordinal);
     MessageDialog(this, titleId, message).RunModal();
     Redraw();
 }
 
-void FormDialog::SelectPrevious()
-{
+void FormDialog::SelectPrevious() {
     list->SelectPrevious(); // draws
     ShowCursor(SelectedField() != nullptr);
 }
 
-void FormDialog::SelectNext()
-{
+void FormDialog::SelectNext() {
     list->SelectNext(); // draws
     ShowCursor(SelectedField() != nullptr);
 }
 
-void FormDialog::SelectOrdinal(uint32_t ordinal)
-{
+void FormDialog::SelectOrdinal(uint32_t ordinal) {
     list->SelectOrdinal(ordinal);
     // Selected again or anew, a field's whole value is selected, so the next key replaces it.
     if (InputItem* field = SelectedField())
@@ -211,14 +188,12 @@ void FormDialog::SelectOrdinal(uint32_t ordinal)
     Redraw();
 }
 
-void FormDialog::Redraw()
-{
+void FormDialog::Redraw() {
     ShowCursor(SelectedField() != nullptr);
     list->Draw();
 }
 
-InputItem* FormDialog::SelectedField() const
-{
+InputItem* FormDialog::SelectedField() const {
     return dynamic_cast<InputItem*>(list->GetSelectedItem());
 }
 

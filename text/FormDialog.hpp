@@ -47,9 +47,7 @@ protected:
     // The list, in the content window from row `top`, `rows` high (0: to the window's bottom).
     void CreateList(int top = 0, int rows = 0);
     // Items are owned by the form and listed in the order added; ShowItems hands them over.
-    template <class T>
-    T* Add(std::unique_ptr<T> item)
-    {
+    template <class T> T* Add(std::unique_ptr<T> item) {
         T* raw = item.get();
         items.push_back(raw);
         ownedItems.push_back(std::move(item));

@@ -7,28 +7,23 @@
 namespace Lanyx {
 
 MenuWindow::MenuWindow(Frame* owner, uint32_t titleId, std::string leftFooter)
-    : RootWindow(owner), leftFooterText(std::move(leftFooter)), titleId(titleId)
-{
-}
+    : RootWindow(owner), leftFooterText(std::move(leftFooter)), titleId(titleId) {}
 
 MenuWindow::~MenuWindow() = default;
 
-void MenuWindow::AddEntry(uint32_t id, bool selectable)
-{
+void MenuWindow::AddEntry(uint32_t id, bool selectable) {
     menuItems.push_back(std::make_unique<LabelItem>(CatalogueText(id), selectable));
     entryIds.push_back(id);
     if (!selectable)
         GreyEntry(id);
 }
 
-void MenuWindow::AddBlank()
-{
+void MenuWindow::AddBlank() {
     menuItems.push_back(std::make_unique<LabelItem>(CatalogueText(Ids::Blank), false));
     entryIds.push_back(Ids::Blank);
 }
 
-void MenuWindow::GreyEntry(uint32_t id)
-{
+void MenuWindow::GreyEntry(uint32_t id) {
     for (size_t i = 0; i < entryIds.size(); ++i) {
         if (entryIds[i] != id)
             continue;
@@ -38,8 +33,7 @@ void MenuWindow::GreyEntry(uint32_t id)
     }
 }
 
-void MenuWindow::SetEntrySelectable(uint32_t id, bool selectable)
-{
+void MenuWindow::SetEntrySelectable(uint32_t id, bool selectable) {
     if (!selectable) {
         GreyEntry(id);
         return;
@@ -53,8 +47,7 @@ void MenuWindow::SetEntrySelectable(uint32_t id, bool selectable)
     }
 }
 
-void MenuWindow::ReplaceEntry(uint32_t id, uint32_t newId)
-{
+void MenuWindow::ReplaceEntry(uint32_t id, uint32_t newId) {
     for (size_t i = 0; i < entryIds.size(); ++i) {
         if (entryIds[i] != id)
             continue;
@@ -66,35 +59,30 @@ void MenuWindow::ReplaceEntry(uint32_t id, uint32_t newId)
     }
 }
 
-void MenuWindow::ShowEntries()
-{
+void MenuWindow::ShowEntries() {
     std::vector<Item*> labels;
     for (const std::unique_ptr<Item>& item : menuItems)
         labels.push_back(item.get());
     itemList->SetItems(labels);
 }
 
-uint32_t MenuWindow::GetSelectedEntry() const
-{
+uint32_t MenuWindow::GetSelectedEntry() const {
     const size_t index = static_cast<size_t>(itemList->GetTopIndex()) + itemList->GetSelectedRow();
     return index < entryIds.size() ? entryIds[index] : Ids::Blank;
 }
 
-void MenuWindow::Reload()
-{
+void MenuWindow::Reload() {
     ShowSelectedEntry();
 }
 
-void MenuWindow::UpdateContent()
-{
+void MenuWindow::UpdateContent() {
     SetLeftTitle(CatalogueText(titleId));
     SetLeftFooter(leftFooterText);
     itemList->Draw();
     ShowSelectedEntry();
 }
 
-bool MenuWindow::Execute()
-{
+bool MenuWindow::Execute() {
     Draw();
     for (;;) {
         const int key = ReadKey(true);

@@ -5,20 +5,17 @@
 namespace Lanyx {
 
 RadioGroup::RadioGroup(std::vector<RadioItem*> radioItems, size_t initial)
-    : radios(std::move(radioItems)), selected(initial)
-{
+    : radios(std::move(radioItems)), selected(initial) {
     Select(initial);
 }
 
-void RadioGroup::SetDependents(size_t radio, std::vector<Item*> items)
-{
+void RadioGroup::SetDependents(size_t radio, std::vector<Item*> items) {
     for (Item* item : items)
         item->SetEnabled(radio == selected);
     dependents[radio] = std::move(items);
 }
 
-void RadioGroup::Select(size_t radio)
-{
+void RadioGroup::Select(size_t radio) {
     if (radio >= radios.size())
         return;
     selected = radio;
@@ -30,8 +27,7 @@ void RadioGroup::Select(size_t radio)
     }
 }
 
-bool RadioGroup::SelectItem(const Item* item)
-{
+bool RadioGroup::SelectItem(const Item* item) {
     const auto found = std::find(radios.begin(), radios.end(), item);
     if (found == radios.end())
         return false;

@@ -7,11 +7,15 @@
 
 namespace Lanyx {
 
-RootWindow::RootWindow(Frame* owner) : Frame(owner, 0, 0, COLS, LINES, Roles::Frame.background, Roles::Frame.foreground) {
+RootWindow::RootWindow(Frame* owner)
+    : Frame(owner, 0, 0, COLS, LINES, Roles::Frame.background, Roles::Frame.foreground) {
     const int half = COLS / 2;
-    mainArea = CreateChild(0, 0, COLS, LINES - 1, Roles::MainArea.background, Roles::MainArea.foreground);
-    statusLine = CreateChild(0, LINES - 1, COLS, 1, Roles::StatusLine.background, Roles::StatusLine.foreground);
-    leftPane = mainArea->CreateChild(0, 0, half, LINES - 1, Roles::ListPane.background, Roles::ListPane.foreground);
+    mainArea =
+        CreateChild(0, 0, COLS, LINES - 1, Roles::MainArea.background, Roles::MainArea.foreground);
+    statusLine = CreateChild(0, LINES - 1, COLS, 1, Roles::StatusLine.background,
+                             Roles::StatusLine.foreground);
+    leftPane = mainArea->CreateChild(0, 0, half, LINES - 1, Roles::ListPane.background,
+                                     Roles::ListPane.foreground);
     rightPane = mainArea->CreateChild(half, 0, half, LINES - 1, Roles::DetailPane.background,
                                       Roles::DetailPane.foreground);
     if (WINDOW* area = mainArea->GetHandle()) {

@@ -8,7 +8,8 @@ namespace Lanyx {
 
 class TesselNicInfo : public InfoType {
 public:
-    TesselNicInfo(std::string name, std::string macAddress, std::string portset, std::string portgroup);
+    TesselNicInfo(std::string name, std::string macAddress, std::string portset,
+                  std::string portgroup);
 
     std::string GetColumnHeader() override;
     std::string GetRow() override;

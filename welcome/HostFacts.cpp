@@ -29,8 +29,7 @@ constexpr uint64_t mebibyte = uint64_t{1} << 20;
 constexpr uint64_t memoryGranule = 0x10000000; // 256 MiB
 constexpr char unitLetters[] = "MGTP";
 
-bool IsSpace(char c)
-{
+bool IsSpace(char c) {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
@@ -41,32 +40,27 @@ struct VersionRecord {
     uint32_t build = 0;
 };
 
-std::string FieldAt(const unsigned char* record, size_t offset, size_t end)
-{
+std::string FieldAt(const unsigned char* record, size_t offset, size_t end) {
     const char* start = reinterpret_cast<const char*>(record + offset);
     return std::string(start, strnlen(start, end - offset));
 }
 
-VersionRecord ReadVersionRecord()
-{
+VersionRecord ReadVersionRecord() {
     unsigned char record[PROBE_SYSTEM_VERSION_SIZE] = {};
     TesselCtl::Util::SysinfoUtil::SysinfoGet(Probe_NODE_system_version, record, sizeof record);
     VersionRecord version;
-    version.product =
-        FieldAt(record, PROBE_SYSTEM_VERSION_PRODUCT, PROBE_SYSTEM_VERSION_VERSION);
+    version.product = FieldAt(record, PROBE_SYSTEM_VERSION_PRODUCT, PROBE_SYSTEM_VERSION_VERSION);
     version.version = FieldAt(record, PROBE_SYSTEM_VERSION_VERSION, PROBE_SYSTEM_VERSION_BUILD);
     std::memcpy(&version.build, record + PROBE_SYSTEM_VERSION_BUILD, sizeof version.build);
     return version;
 }
 
-uint64_t InstalledMemory()
-{
+uint64_t InstalledMemory() {
     const TesselCtl::Hardware::MemoryInfoImpl memory;
     return memory.GetTotalPages() * memory.GetPageSize();
 }
 
-std::string StorageDriverVersion()
-{
+std::string StorageDriverVersion() {
     static constexpr char adapterName[] = "storbus0";
     try {
         Keelson::Host* host = Keelson::HostFactory::GetHost();
@@ -83,8 +77,7 @@ std::string StorageDriverVersion()
 
 } // namespace
 
-std::string CollapseWhitespace(std::string_view text)
-{
+std::string CollapseWhitespace(std::string_view text) {
     std::string result;
     bool gap = false;
     for (char c : text) {
@@ -100,8 +93,7 @@ std::string CollapseWhitespace(std::string_view text)
     return result;
 }
 
-std::string FormatVendorLine(std::string_view vendor, std::string_view product)
-{
+std::string FormatVendorLine(std::string_view vendor, std::string_view product) {
     const std::string cleanVendor = CollapseWhitespace(vendor);
     const std::string cleanProduct = CollapseWhitespace(product);
     if (cleanProduct.starts_with(cleanVendor))
@@ -109,13 +101,12 @@ std::string FormatVendorLine(std::string_view vendor, std::string_view product)
     return cleanVendor + " " + cleanProduct;
 }
 
-std::string GetSslThumbprint(unsigned digestBits)
-{
+std::string GetSslThumbprint(unsigned digestBits) {
     char option[16];
     std::snprintf(option, sizeof option, "-SHA%u", digestBits);
     const std::string certificate = HostPath(hostCertificate);
-    const char* const argv[] = {"openssl", "x509", "-in", certificate.c_str(), "-noout",
-                                "-fingerprint", option, nullptr};
+    const char* const argv[] = {"openssl", "x509",         "-in",  certificate.c_str(),
+                                "-noout",  "-fingerprint", option, nullptr};
     char out[captureBytes + 1] = {};
     char err[captureBytes + 1] = {};
     int outLength = captureBytes;
@@ -134,8 +125,7 @@ std::string GetSslThumbprint(unsigned digestBits)
     return fingerprint;
 }
 
-std::string GetSshFingerprint(const std::string& keyPath)
-{
+std::string GetSshFingerprint(const std::string& keyPath) {
     const std::string keyFile = HostPath(keyPath);
     const char* const argv[] = {"ssh-keygen", "-l", "-f", keyFile.c_str(), nullptr};
     char out[captureBytes + 1] = {};
@@ -157,30 +147,25 @@ std::string GetSshFingerprint(const std::string& keyPath)
     return fingerprint;
 }
 
-std::string GetSerialNumber()
-{
+std::string GetSerialNumber() {
     return TesselCtl::Hardware::HardwareInfoImpl().GetSerialNumber();
 }
 
-std::string GetFullHostName()
-{
+std::string GetFullHostName() {
     const TesselCtl::Network::DnsConfigImpl dns("defaultTcpipStack");
     return dns.GetHostname() + "." + dns.GetDomain();
 }
 
-std::string GetProductName()
-{
+std::string GetProductName() {
     return ReadVersionRecord().product;
 }
 
-std::string GetProductVersion()
-{
+std::string GetProductVersion() {
     const VersionRecord record = ReadVersionRecord();
     return Keelson::Misc::StrPrintf("%s build-%05u", record.version.c_str(), record.build);
 }
 
-std::string FormatMemoryTag(uint64_t bytes)
-{
+std::string FormatMemoryTag(uint64_t bytes) {
     const uint64_t size = (bytes + memoryGranule - 1) / memoryGranule * memoryGranule;
     uint64_t unit = mebibyte;
     int index = 0;
@@ -194,11 +179,11 @@ std::string FormatMemoryTag(uint64_t bytes)
     if (rest == 0)
         return Keelson::Misc::StrPrintf("%" PRIu64 " %cB", whole, unitLetters[index]);
     const uint64_t tenth = rest * 10 / unit;
-    return Keelson::Misc::StrPrintf("%" PRIu64 ".%" PRIu64 " %cB", whole, tenth, unitLetters[index]);
+    return Keelson::Misc::StrPrintf("%" PRIu64 ".%" PRIu64 " %cB", whole, tenth,
+                                    unitLetters[index]);
 }
 
-std::string FormatMemoryLine(uint64_t bytes)
-{
+std::string FormatMemoryLine(uint64_t bytes) {
     uint64_t unit = mebibyte;
     int index = 0;
     while (index < 3 && bytes >= unit * 1024) {
@@ -212,13 +197,11 @@ std::string FormatMemoryLine(uint64_t bytes)
     return line.str();
 }
 
-std::string GetMemoryText()
-{
+std::string GetMemoryText() {
     return FormatMemoryTag(InstalledMemory());
 }
 
-std::string GetBiosField(int id)
-{
+std::string GetBiosField(int id) {
     switch (id) {
     case 1:
         return StorageDriverVersion();
@@ -238,8 +221,7 @@ std::string GetBiosField(int id)
     }
 }
 
-std::string GetServiceTag()
-{
+std::string GetServiceTag() {
     try {
         std::string tag = TesselCtl::Hardware::HardwareInfoImpl().GetServiceTag();
         return tag.empty() ? notAvailable : tag;
@@ -249,8 +231,7 @@ std::string GetServiceTag()
     }
 }
 
-void RegisterHostFactTags()
-{
+void RegisterHostFactTags() {
     RegisterTagSource("ip", &GetManagementAddress);
     RegisterTagSource("ssl-thumbprint-sha-1", [] { return GetSslThumbprint(1); });
     RegisterTagSource("ssl-thumbprint-sha-256", [] { return GetSslThumbprint(256); });

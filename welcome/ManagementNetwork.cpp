@@ -8,13 +8,11 @@
 
 namespace Lanyx {
 
-bool IsIpv6Enabled()
-{
+bool IsIpv6Enabled() {
     return TesselCtl::Network::NetworkInfoImpl().IsTesselIpv6Enabled();
 }
 
-bool ReadManagementInterface(ManagementFacts& facts)
-{
+bool ReadManagementInterface(ManagementFacts& facts) {
     const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface();
     if (!nic)
         return false;
@@ -26,18 +24,17 @@ bool ReadManagementInterface(ManagementFacts& facts)
     const Keelson::Network::IpConfig live = nic->GetIpConfig();
     facts.ipv6.clear();
     for (const Keelson::Network::Ipv6Network& network : live.GetIpv6Network())
-        facts.ipv6.push_back({network.GetAddress().GetStringAddress(), network.GetIpv6AddressType()});
+        facts.ipv6.push_back(
+            {network.GetAddress().GetStringAddress(), network.GetIpv6AddressType()});
     facts.ipv4 = live.GetIpv4Address().GetStringAddress();
     return true;
 }
 
-bool HasPhysicalAdapters()
-{
+bool HasPhysicalAdapters() {
     return !TesselCtl::Network::NetworkInfoImpl().GetPnics(0).empty();
 }
 
-std::string GetManagementAddress()
-{
+std::string GetManagementAddress() {
     const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface();
     if (nic)
         return nic->GetIpConfig().GetIpv4Address().GetStringAddress();

@@ -9,13 +9,11 @@ namespace Lanyx {
 
 namespace {
 
-std::string Parenthesised(StringFactory& strings, uint32_t id)
-{
+std::string Parenthesised(StringFactory& strings, uint32_t id) {
     return std::string("(") + strings.GetString(id) + ")";
 }
 
-std::string Ipv6Line(const Ipv6Entry& entry, StringFactory& strings)
-{
+std::string Ipv6Line(const Ipv6Entry& entry, StringFactory& strings) {
     std::string line = "https://[" + entry.address + "]/ ";
     switch (entry.type) {
     case Ipv6Static:
@@ -35,15 +33,15 @@ std::string Ipv6Line(const Ipv6Entry& entry, StringFactory& strings)
 
 } // namespace
 
-std::string ComposeIpv6Lines(const std::vector<Ipv6Entry>& entries, StringFactory& strings)
-{
+std::string ComposeIpv6Lines(const std::vector<Ipv6Entry>& entries, StringFactory& strings) {
     // Five fit as well as four and "...", so five are shown whole.
     const size_t taken = entries.size() == 5 ? 5 : std::min<size_t>(entries.size(), 4);
     std::vector<std::string> lines;
     for (size_t i = 0; i < taken; ++i)
         lines.push_back(Ipv6Line(entries[i], strings));
-    std::stable_sort(lines.begin(), lines.end(),
-                     [](const std::string& a, const std::string& b) { return a.size() < b.size(); });
+    std::stable_sort(lines.begin(), lines.end(), [](const std::string& a, const std::string& b) {
+        return a.size() < b.size();
+    });
     std::string text;
     for (const std::string& line : lines)
         text += line;
@@ -52,8 +50,7 @@ std::string ComposeIpv6Lines(const std::vector<Ipv6Entry>& entries, StringFactor
     return text;
 }
 
-std::string ComposeManagementText(const ManagementFacts& facts, StringFactory& strings)
-{
+std::string ComposeManagementText(const ManagementFacts& facts, StringFactory& strings) {
     std::ostringstream text;
     text << strings.GetString(Ids::ManageHost);
     if (!facts.hostname.empty() && facts.hostname != "localhost")

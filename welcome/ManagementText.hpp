@@ -21,13 +21,13 @@ struct Ipv6Entry {
 };
 
 struct ManagementFacts {
-    std::string hostname;          // empty or "localhost": no host name line
-    std::string ipv4 = "0.0.0.0";  // address in force
+    std::string hostname;         // empty or "localhost": no host name line
+    std::string ipv4 = "0.0.0.0"; // address in force
     bool useDhcp = false;
-    bool useNone = false;          // no IPv4 address configured
-    bool dhcpServerKnown = false;  // a DHCP server has answered
+    bool useNone = false;         // no IPv4 address configured
+    bool dhcpServerKnown = false; // a DHCP server has answered
     bool ipv6Enabled = false;
-    std::vector<Ipv6Entry> ipv6;   // in the host's order
+    std::vector<Ipv6Entry> ipv6; // in the host's order
 };
 
 // "To manage this host, go to:" and the URLs: host name, IPv4 with its mode, IPv6 addresses.

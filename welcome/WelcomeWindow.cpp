@@ -29,15 +29,13 @@ constexpr char noAdapterText[] =
     "Guide (HCG) for a list of supported adapters.";
 constexpr char noAdapterAlert[] = "No compatible network adapter found.";
 
-bool HostInAuditMode()
-{
+bool HostInAuditMode() {
     unsigned char bootOption[4] = {};
     return Probe_Get(Probe_NODE_system_bootOption, bootOption, sizeof bootOption) == 0 &&
            bootOption[0] == 1;
 }
 
-std::string HardwareLines()
-{
+std::string HardwareLines() {
     const TesselCtl::Hardware::CpuInfoImpl cpu;
     const TesselCtl::Hardware::MemoryInfoImpl memory;
     std::ostringstream lines;
@@ -54,15 +52,13 @@ std::string HardwareLines()
 } // namespace
 
 WelcomeWindow::WelcomeWindow(SessionHooks sessionHooks)
-    : Frame(nullptr, 0, 0, COLS, LINES, ColorBlack, ColorWhite), hooks(std::move(sessionHooks))
-{
+    : Frame(nullptr, 0, 0, COLS, LINES, ColorBlack, ColorWhite), hooks(std::move(sessionHooks)) {
     RegisterHostFactTags();
 }
 
 WelcomeWindow::~WelcomeWindow() = default;
 
-void WelcomeWindow::Reload()
-{
+void WelcomeWindow::Reload() {
     if (!systemInfo.GetWelcomeMessage().empty())
         ShowCustomLayout();
     else
@@ -72,21 +68,18 @@ void WelcomeWindow::Reload()
     Update();
 }
 
-void WelcomeWindow::DropDefaultLayout()
-{
+void WelcomeWindow::DropDefaultLayout() {
     DeleteChildren();
     topPane = bottomPane = nullptr;
     versionText = vendorText = hardwareText = managementText = warningText = footerText = nullptr;
 }
 
-void WelcomeWindow::DropCustomLayout()
-{
+void WelcomeWindow::DropCustomLayout() {
     DeleteChildren();
     customText = nullptr;
 }
 
-void WelcomeWindow::ShowCustomLayout()
-{
+void WelcomeWindow::ShowCustomLayout() {
     if (topPane)
         DropDefaultLayout();
     if (!customText) {
@@ -100,8 +93,7 @@ void WelcomeWindow::ShowCustomLayout()
     customText->SetText(systemInfo.GetWelcomeMessage());
 }
 
-void WelcomeWindow::ShowDefaultLayout()
-{
+void WelcomeWindow::ShowDefaultLayout() {
     if (customText)
         DropCustomLayout();
     if (!topPane)
@@ -109,8 +101,7 @@ void WelcomeWindow::ShowDefaultLayout()
     FillDefaultLayout();
 }
 
-void WelcomeWindow::BuildDefaultLayout()
-{
+void WelcomeWindow::BuildDefaultLayout() {
     if (handle)
         werase(handle.get());
     const int lines = LINES;
@@ -123,13 +114,13 @@ void WelcomeWindow::BuildDefaultLayout()
     const int paneWidth = bottomPane->GetWidth();
     const int paneHeight = bottomPane->GetHeight();
     footerText = new TextArea(bottomPane, 2, paneHeight - 2, paneWidth - 4, 1, ColorBlack);
-    footerText->SetText(std::string("<F2> {color:dark-grey}") + strings->GetString(Ids::CustomizeSystem) +
+    footerText->SetText(std::string("<F2> {color:dark-grey}") +
+                        strings->GetString(Ids::CustomizeSystem) +
                         "{/color}{align:right}<F12> {color:dark-grey}" +
                         strings->GetString(Ids::ShutDownRestart) + "{/color}{/align}");
 }
 
-void WelcomeWindow::FillDefaultLayout()
-{
+void WelcomeWindow::FillDefaultLayout() {
     ManagementFacts facts;
     facts.ipv6Enabled = IsIpv6Enabled();
     try {
@@ -173,15 +164,13 @@ void WelcomeWindow::FillDefaultLayout()
     }
 }
 
-bool WelcomeWindow::Execute()
-{
+bool WelcomeWindow::Execute() {
     Reload();
     for (;;)
         HandleKey(ReadKey(false));
 }
 
-void WelcomeWindow::HandleKey(int key)
-{
+void WelcomeWindow::HandleKey(int key) {
     if (key != Keys::F2 && key != Keys::F12) {
         if (key == Keys::F4 && can_change_color())
             monochrome = !monochrome;
@@ -196,8 +185,7 @@ void WelcomeWindow::HandleKey(int key)
         std::exit(0);
 }
 
-void WelcomeWindow::RunLoginRound(int key)
-{
+void WelcomeWindow::RunLoginRound(int key) {
     std::unique_ptr<Frame> login;
     try {
         login = hooks.createLoginDialog ? hooks.createLoginDialog(this) : nullptr;
@@ -220,7 +208,8 @@ void WelcomeWindow::RunLoginRound(int key)
         }
     } catch (const LanyxTimeout&) {
         Log(LOG_INFO, "User %s logged out due to time out", loginUser.c_str());
-        Audit(AuditRecord::logout, loginUser, true, {{AuditRecord::reasonKey, AuditRecord::timeOut}});
+        Audit(AuditRecord::logout, loginUser, true,
+              {{AuditRecord::reasonKey, AuditRecord::timeOut}});
         Window::SetActive(true);
         Reload();
     }

@@ -28,7 +28,8 @@ namespace {
 void MakeFolder(const std::string& path) {
     std::error_code error;
     fs::create_directories(path, error);
-    if (error) throw CreateError("Cannot create folder " + path + ": " + error.message());
+    if (error)
+        throw CreateError("Cannot create folder " + path + ": " + error.message());
 }
 
 void WriteFile(const std::string& path, const std::string& text, mode_t mode = 0644) {
@@ -36,8 +37,10 @@ void WriteFile(const std::string& path, const std::string& text, mode_t mode = 0
     std::ofstream out(path, std::ios::trunc | std::ios::binary);
     out << text;
     out.close();
-    if (!out) throw CreateError("Cannot write " + path);
-    if (::chmod(path.c_str(), mode) != 0) throw CreateError("Cannot set the mode of " + path + ": " + std::strerror(errno));
+    if (!out)
+        throw CreateError("Cannot write " + path);
+    if (::chmod(path.c_str(), mode) != 0)
+        throw CreateError("Cannot set the mode of " + path + ": " + std::strerror(errno));
 }
 
 void Link(const std::string& target, const std::string& path) {
@@ -45,14 +48,16 @@ void Link(const std::string& target, const std::string& path) {
     std::error_code error;
     fs::remove(path, error);
     fs::create_symlink(target, path, error);
-    if (error) throw CreateError("Cannot link " + path + " to " + target + ": " + error.message());
+    if (error)
+        throw CreateError("Cannot link " + path + " to " + target + ": " + error.message());
 }
 
 // The real program of that name on the machine's own PATH folders.
 std::string RealProgram(const std::string& name) {
     for (const char* folder : {"/usr/bin", "/bin", "/usr/sbin", "/sbin"}) {
         std::string path = std::string(folder) + "/" + name;
-        if (::access(path.c_str(), X_OK) == 0) return path;
+        if (::access(path.c_str(), X_OK) == 0)
+            return path;
     }
     throw CreateError("The program " + name + " is not installed on this machine");
 }
@@ -60,7 +65,8 @@ std::string RealProgram(const std::string& name) {
 // Runs a real program quietly; its failure is a CreateError naming the command.
 void Run(const std::vector<std::string>& argv) {
     std::vector<char*> args;
-    for (const std::string& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
+    for (const std::string& arg : argv)
+        args.push_back(const_cast<char*>(arg.c_str()));
     args.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -70,13 +76,15 @@ void Run(const std::vector<std::string>& argv) {
     pid_t pid = 0;
     int rc = ::posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (rc != 0) throw CreateError("Cannot run " + argv[0] + ": " + std::strerror(rc));
+    if (rc != 0)
+        throw CreateError("Cannot run " + argv[0] + ": " + std::strerror(rc));
     int status = 0;
     while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
     }
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
         std::string line;
-        for (const std::string& arg : argv) line += (line.empty() ? "" : " ") + arg;
+        for (const std::string& arg : argv)
+            line += (line.empty() ? "" : " ") + arg;
         throw CreateError("Command failed: " + line);
     }
 }
@@ -92,17 +100,21 @@ void MakeToolScripts(const std::string& root, const std::string& programDir) {
     const std::string tool = programDir + "/hostsim-tool";
     for (const ToolPath& entry : ToolPaths()) {
         WriteFile(RootPath(root, entry.path),
-                  "#!/bin/sh\nexec " + tool + " --root " + root + " " + entry.tool + " \"$@\"\n", 0755);
+                  "#!/bin/sh\nexec " + tool + " --root " + root + " " + entry.tool + " \"$@\"\n",
+                  0755);
     }
-    WriteFile(RootPath(root, "/bin/sh"),
-              "#!/bin/sh\n"
-              "PATH=" + root + "/bin:" + root + "/sbin:" + root + "/usr/bin:" + root + "/usr/sbin\n"
-              "export PATH\n"
-              // The host's shell knows `let`, which the agent's version line uses; dash does not.
-              "exec /bin/bash \"$@\"\n",
-              0755);
-    for (const char* utility : {"awk", "cat", "echo", "grep", "sed", "sleep", "test", "true", "false", "printf",
-                                "ls", "head", "tail", "tr", "cut", "wc", "["}) {
+    WriteFile(
+        RootPath(root, "/bin/sh"),
+        "#!/bin/sh\n"
+        "PATH=" +
+            root + "/bin:" + root + "/sbin:" + root + "/usr/bin:" + root +
+            "/usr/sbin\n"
+            "export PATH\n"
+            // The host's shell knows `let`, which the agent's version line uses; dash does not.
+            "exec /bin/bash \"$@\"\n",
+        0755);
+    for (const char* utility : {"awk", "cat", "echo", "grep", "sed", "sleep", "test", "true",
+                                "false", "printf", "ls", "head", "tail", "tr", "cut", "wc", "["}) {
         Link(RealProgram(utility), RootPath(root, std::string("/bin/") + utility));
     }
     Link(RealProgram("less"), RootPath(root, "/bin/less"));
@@ -113,9 +125,9 @@ void MakeToolScripts(const std::string& root, const std::string& programDir) {
 void MakeKeys(const std::string& root, const std::string& fqdn) {
     const std::string ssl = RootPath(root, "/etc/zephora/ssl");
     MakeFolder(ssl);
-    Run({RealProgram("openssl"), "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
-         "-nodes", "-keyout", ssl + "/node.key", "-out", ssl + "/node.crt", "-days", "3650", "-subj",
-         "/O=Lanyx Lab/CN=" + fqdn});
+    Run({RealProgram("openssl"), "req", "-x509", "-newkey", "ec", "-pkeyopt",
+         "ec_paramgen_curve:prime256v1", "-nodes", "-keyout", ssl + "/node.key", "-out",
+         ssl + "/node.crt", "-days", "3650", "-subj", "/O=Lanyx Lab/CN=" + fqdn});
     const std::string ssh = RootPath(root, "/etc/ssh");
     MakeFolder(ssh);
     for (const char* type : {"rsa", "dsa", "ecdsa", "ed25519"}) {
@@ -123,9 +135,11 @@ void MakeKeys(const std::string& root, const std::string& fqdn) {
         std::error_code ignored;
         fs::remove(key, ignored);
         fs::remove(key + ".pub", ignored);
-        std::vector<std::string> argv = {RealProgram("ssh-keygen"), "-q", "-t", type, "-N", "", "-C",
-                                         std::string("root@") + fqdn, "-f", key};
-        if (std::string(type) == "rsa") argv.insert(argv.begin() + 4, {"-b", "2048"});
+        std::vector<std::string> argv = {
+            RealProgram("ssh-keygen"),   "-q", "-t", type, "-N", "", "-C",
+            std::string("root@") + fqdn, "-f", key};
+        if (std::string(type) == "rsa")
+            argv.insert(argv.begin() + 4, {"-b", "2048"});
         Run(argv);
     }
 }
@@ -134,13 +148,16 @@ void MakeKeys(const std::string& root, const std::string& fqdn) {
 // defaults' empty root password and no registered guests.
 nlohmann::json FactoryCopy(const nlohmann::json& state) {
     nlohmann::json factory = nlohmann::json::object();
-    for (const char* key : {"host", "network", "switches", "portGroups", "fabrics", "advancedOptions", "userOptions",
-                            "services", "lockdown", "keyboard", "welcomeMessage", "accounts"}) {
-        if (state.contains(key)) factory[key] = state[key];
+    for (const char* key :
+         {"host", "network", "switches", "portGroups", "fabrics", "advancedOptions", "userOptions",
+          "services", "lockdown", "keyboard", "welcomeMessage", "accounts"}) {
+        if (state.contains(key))
+            factory[key] = state[key];
     }
     if (factory.contains("accounts") && factory["accounts"].is_array()) {
         for (nlohmann::json& account : factory["accounts"])
-            if (account.is_object() && account.value("name", "") == "root") account["hash"] = "";
+            if (account.is_object() && account.value("name", "") == "root")
+                account["hash"] = "";
     }
     factory["guests"] = nlohmann::json::array();
     return factory;
@@ -178,18 +195,22 @@ const std::vector<ToolPath>& ToolPaths() {
     return paths;
 }
 
-void CreateRoot(const std::string& dir, const std::string& profile, const std::string& programDir, bool force) {
+void CreateRoot(const std::string& dir, const std::string& profile, const std::string& programDir,
+                bool force) {
     const Profile* chosen = FindProfile(profile);
-    if (chosen == nullptr) throw CreateError("Unknown profile \"" + profile + "\" (hostsim profiles lists them)");
+    if (chosen == nullptr)
+        throw CreateError("Unknown profile \"" + profile + "\" (hostsim profiles lists them)");
     MakeFolder(dir);
     const std::string root = Absolute(dir);
-    if (root == "/") throw CreateError("Refusing to make a simulated host in /");
+    if (root == "/")
+        throw CreateError("Refusing to make a simulated host in /");
     StateStore store(root);
     if (!force && fs::exists(store.StatePath()))
         throw CreateError(root + " already holds a simulated host (use --force to replace it)");
 
-    for (const char* folder : {"/bin", "/sbin", "/usr/bin", "/usr/sbin", "/etc/init.d", "/etc/pam.d", "/etc/ssh",
-                               "/etc/zephora/ssl", "/var/lib/hostsim", "/var/log", "/var/run/zephora", "/tmp"}) {
+    for (const char* folder :
+         {"/bin", "/sbin", "/usr/bin", "/usr/sbin", "/etc/init.d", "/etc/pam.d", "/etc/ssh",
+          "/etc/zephora/ssl", "/var/lib/hostsim", "/var/log", "/var/run/zephora", "/tmp"}) {
         MakeFolder(RootPath(root, folder));
     }
     nlohmann::json state = ProfileState(profile);
@@ -198,8 +219,8 @@ void CreateRoot(const std::string& dir, const std::string& profile, const std::s
 
     MakeToolScripts(root, programDir);
     WriteFile(RootPath(root, "/etc/pam.d/lanyx"), PamService(root, programDir));
-    // PAM reads the fallback service whenever it opens a service folder; without one it logs an error
-    // at every login. Any other service is refused.
+    // PAM reads the fallback service whenever it opens a service folder; without one it logs an
+    // error at every login. Any other service is refused.
     WriteFile(RootPath(root, "/etc/pam.d/other"),
               "# Services without a file of their own are refused\n"
               "auth     required pam_deny.so\naccount  required pam_deny.so\n"
@@ -212,7 +233,8 @@ void CreateRoot(const std::string& dir, const std::string& profile, const std::s
         fs::remove(marker, ignored);
     }
     WriteFile(RootPath(root, "/etc/zephora/support"), SupportFile(state));
-    for (const auto& [path, text] : LogFiles(state)) WriteFile(RootPath(root, path), text);
+    for (const auto& [path, text] : LogFiles(state))
+        WriteFile(RootPath(root, path), text);
     WriteFile(RootPath(root, "/etc/hosts"), HostsFile(state));
     std::error_code ignored;
     fs::remove(RootPath(root, "/etc/hosts.backup"), ignored);

@@ -22,6 +22,7 @@ const std::vector<ToolPath>& ToolPaths();
 // Builds the root at `dir` (created if missing) from the profile. `programDir` is the folder that
 // holds hostsim, hostsim-tool and pam_hostsim.so. Refuses a folder that already holds a host
 // unless `force`.
-void CreateRoot(const std::string& dir, const std::string& profile, const std::string& programDir, bool force);
+void CreateRoot(const std::string& dir, const std::string& profile, const std::string& programDir,
+                bool force);
 
 } // namespace HostSim::Cli

@@ -14,7 +14,9 @@ namespace {
 
 using nlohmann::json;
 
-json& Management(json& state) { return state["network"]["interfaces"][0]; }
+json& Management(json& state) {
+    return state["network"]["interfaces"][0];
+}
 
 void Dhcp(json& state) {
     json& ipv4 = Management(state)["ipv4"];
@@ -42,27 +44,47 @@ void DhcpNoServer(json& state) {
 // The management interface hangs on port 12 of a distributed switch that holds hwport2 and hwport3;
 // the standard switch keeps only the guests' port group.
 void Fabric(json& state) {
-    Management(state)["connection"] = {{"type", "fabric"}, {"fabric", "fab-prod"}, {"portId", "12"}};
+    Management(state)["connection"] = {
+        {"type", "fabric"}, {"fabric", "fab-prod"}, {"portId", "12"}};
     state["switches"][0]["portGroups"] = {"VM Network"};
     state["portGroups"] = json::array({state["portGroups"][1]});
     state["fabrics"] = json::array(
         {{{"name", "fab-prod"},
           {"id", "50 0c 3a 1e 77 21 4b 09-8e 3d 02 aa 5f 61 c0 1d"},
           {"lanyxOwned", true},
-          {"uplinks", {{"hwport2", {{"portId", "100"}, {"portKey", "uplink1"}}},
-                       {"hwport3", {{"portId", "101"}, {"portKey", "uplink2"}}}}},
-          {"ports", json::array({{{"id", "12"}, {"name", "mgmt-port-12"}, {"portGroup", "fportgroup-21"},
-                                  {"vlan", 10}, {"hostLocal", false}, {"blocked", false},
-                                  {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
-                                 {{"id", "13"}, {"name", "vmotion-port-13"}, {"portGroup", "fportgroup-22"},
-                                  {"vlan", 20}, {"hostLocal", false}, {"blocked", false},
-                                  {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
-                                 // The uplink ports: the fabric restore lists the uplinks by them.
-                                 {{"id", "100"}, {"name", "uplink1"}, {"portGroup", "fportgroup-uplinks"},
-                                  {"vlan", 0}, {"hostLocal", false}, {"blocked", false}, {"properties", json::object()}},
-                                 {{"id", "101"}, {"name", "uplink2"}, {"portGroup", "fportgroup-uplinks"},
-                                  {"vlan", 0}, {"hostLocal", false}, {"blocked", false},
-                                  {"properties", json::object()}}})}}});
+          {"uplinks",
+           {{"hwport2", {{"portId", "100"}, {"portKey", "uplink1"}}},
+            {"hwport3", {{"portId", "101"}, {"portKey", "uplink2"}}}}},
+          {"ports",
+           json::array({{{"id", "12"},
+                         {"name", "mgmt-port-12"},
+                         {"portGroup", "fportgroup-21"},
+                         {"vlan", 10},
+                         {"hostLocal", false},
+                         {"blocked", false},
+                         {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
+                        {{"id", "13"},
+                         {"name", "vmotion-port-13"},
+                         {"portGroup", "fportgroup-22"},
+                         {"vlan", 20},
+                         {"hostLocal", false},
+                         {"blocked", false},
+                         {"properties", {{"shaping", false}, {"securityPolicy", "reject"}}}},
+                        // The uplink ports: the fabric restore lists the uplinks by them.
+                        {{"id", "100"},
+                         {"name", "uplink1"},
+                         {"portGroup", "fportgroup-uplinks"},
+                         {"vlan", 0},
+                         {"hostLocal", false},
+                         {"blocked", false},
+                         {"properties", json::object()}},
+                        {{"id", "101"},
+                         {"name", "uplink2"},
+                         {"portGroup", "fportgroup-uplinks"},
+                         {"vlan", 0},
+                         {"hostLocal", false},
+                         {"blocked", false},
+                         {"properties", json::object()}}})}}});
 }
 
 // Stranded on the fabric: the management port is blocked, the gateway does not answer, and a
@@ -80,8 +102,10 @@ void FabricBroken(json& state) {
     vmotion["ipv6"]["addresses"] = json::array();
     state["network"]["interfaces"].push_back(vmotion);
     state["ping"]["reachable"] = json::array({"127.0.0.1"});
-    state["network"]["dhcpOnLink"] = {{"server", "192.168.10.254"}, {"address", "192.168.10.57"},
-                                      {"netmask", "255.255.255.0"}, {"gateway", "192.168.10.1"}};
+    state["network"]["dhcpOnLink"] = {{"server", "192.168.10.254"},
+                                      {"address", "192.168.10.57"},
+                                      {"netmask", "255.255.255.0"},
+                                      {"gateway", "192.168.10.1"}};
 }
 
 // The management port of the fabric carries a wrong VLAN, is blocked and teams over a NIC the host
@@ -93,18 +117,26 @@ void FabricMisconfigured(json& state) {
     port["blocked"] = true;
     port["properties"] = {
         {"txUplink", true},
-        {"teamPolicy", {{"policy", 2}, {"notifySwitches", 0}, {"rollingOrder", 1}, {"policyInherited", 0},
-                        {"uplinksInherited", 0}, {"failureInherited", 0}, {"active", {"hwport9"}},
-                        {"standby", json::array()}}},
+        {"teamPolicy",
+         {{"policy", 2},
+          {"notifySwitches", 0},
+          {"rollingOrder", 1},
+          {"policyInherited", 0},
+          {"uplinksInherited", 0},
+          {"failureInherited", 0},
+          {"active", {"hwport9"}},
+          {"standby", json::array()}}},
         {"ipfix", true},
         {"security", {{"allowPromiscuous", 0}, {"macChanges", 1}, {"forgedTransmits", 1}}},
-        {"shapingIn", {{"enabled", true}, {"average", 100000}, {"peak", 200000}, {"burst", 102400}}},
+        {"shapingIn",
+         {{"enabled", true}, {"average", 100000}, {"peak", 200000}, {"burst", 102400}}},
         {"shapingOut", {{"enabled", false}, {"average", 0}, {"peak", 0}, {"burst", 0}}},
         {"persistencePath", "/vmfs/volumes/datastore1/.fabric/port-12"},
         {"vendorStrings", {{"16", {{"com.zephora.port.owner", "mgmt"}}}}},
         {"vendorBinary", {{"16", {{"com.zephora.port.blob", {1, 2, 3}}}}}},
         {"overlayParams", json::array({{{"name", "segment"}, {"data", {7, 0}}}})},
-        {"resPools", json::array({{{"key", "rp-1"}, {"name", "management"}, {"limit", -1}, {"shares", 50}}})},
+        {"resPools",
+         json::array({{{"key", "rp-1"}, {"name", "management"}, {"limit", -1}, {"shares", 50}}})},
         {"resPoolAssoc", "rp-1"}};
     state["ping"]["reachable"] = json::array({"127.0.0.1"});
 }
@@ -122,7 +154,8 @@ void NoNics(json& state) {
         standardSwitch["uplinks"] = json::array();
         standardSwitch["teaming"]["uplinkOrder"] = json::array();
     }
-    for (json& group : state["portGroups"]) group["teaming"]["uplinkOrder"] = json::array();
+    for (json& group : state["portGroups"])
+        group["teaming"]["uplinkOrder"] = json::array();
     // Without an adapter the management interface has no link to come up on.
     Management(state)["enabled"] = false;
 }
@@ -131,26 +164,36 @@ void Ipv6(json& state) {
     json& ipv6 = Management(state)["ipv6"];
     ipv6["dhcp"] = true;
     ipv6["autoconf"] = true;
-    ipv6["addresses"] = json::array({
-        {{"address", "fe80::250:56ff:fe6a:1001"}, {"prefixLength", 64}, {"type", "linklocal"}},
-        {{"address", "2001:db8:10::21"}, {"prefixLength", 64}, {"type", "static"}},
-        {{"address", "2001:db8:10:0:250:56ff:fe6a:1001"}, {"prefixLength", 64}, {"type", "autoconf"}},
-        {{"address", "2001:db8:10::1:9c"}, {"prefixLength", 128}, {"type", "dhcp"}},
-        {{"address", "fd00:10::21"}, {"prefixLength", 64}, {"type", "static"}},
-        {{"address", "2001:db8:ffff:1234:5678:9abc:def0:21"}, {"prefixLength", 64}, {"type", "static"}}});
+    ipv6["addresses"] = json::array(
+        {{{"address", "fe80::250:56ff:fe6a:1001"}, {"prefixLength", 64}, {"type", "linklocal"}},
+         {{"address", "2001:db8:10::21"}, {"prefixLength", 64}, {"type", "static"}},
+         {{"address", "2001:db8:10:0:250:56ff:fe6a:1001"},
+          {"prefixLength", 64},
+          {"type", "autoconf"}},
+         {{"address", "2001:db8:10::1:9c"}, {"prefixLength", 128}, {"type", "dhcp"}},
+         {{"address", "fd00:10::21"}, {"prefixLength", 64}, {"type", "static"}},
+         {{"address", "2001:db8:ffff:1234:5678:9abc:def0:21"},
+          {"prefixLength", 64},
+          {"type", "static"}}});
     state["network"]["ipv6Gateway"] = "2001:db8:10::1";
     state["network"]["dns"]["servers"].push_back("2001:db8:10::53");
     state["ping"]["reachable"].push_back("2001:db8:10::1");
 }
 
 void SmartCard(json& state) {
-    state["smartCard"]["slots"][0]["token"] = {
-        {"label", "PIV Card"}, {"manufacturer", "Cardline"}, {"model", "PIV-II"}, {"serialNumber", "0042A7F3"},
-        {"slotDescription", "Reader 0 Slot 0"}, {"firmware", "2.1"},
-        {"certificates", {"CN=root,OU=Operators,O=Lab"}}, {"userIds", {"root"}}};
+    state["smartCard"]["slots"][0]["token"] = {{"label", "PIV Card"},
+                                               {"manufacturer", "Cardline"},
+                                               {"model", "PIV-II"},
+                                               {"serialNumber", "0042A7F3"},
+                                               {"slotDescription", "Reader 0 Slot 0"},
+                                               {"firmware", "2.1"},
+                                               {"certificates", {"CN=root,OU=Operators,O=Lab"}},
+                                               {"userIds", {"root"}}};
 }
 
-void Gridmesh(json& state) { state["gridmesh"] = {{"present", true}, {"version", "3.2.1"}, {"running", true}}; }
+void Gridmesh(json& state) {
+    state["gridmesh"] = {{"present", true}, {"version", "3.2.1"}, {"running", true}};
+}
 
 void Lockdown(json& state) {
     state["lockdown"] = {{"enabled", true}, {"possible", true}};
@@ -158,24 +201,31 @@ void Lockdown(json& state) {
 
 const std::vector<std::pair<Profile, std::function<void(json&)>>>& Table() {
     static const std::vector<std::pair<Profile, std::function<void(json&)>>> table = {
-        {{"default", "static IPv4 host on a standard switch with two uplinks, four NICs", true}, nullptr},
+        {{"default", "static IPv4 host on a standard switch with two uplinks, four NICs", true},
+         nullptr},
         {{"dhcp", "management address from DHCP, server answered", true}, Dhcp},
-        {{"dhcp-no-server", "DHCP configured, no server answered (address 0.0.0.0)", true}, DhcpNoServer},
+        {{"dhcp-no-server", "DHCP configured, no server answered (address 0.0.0.0)", true},
+         DhcpNoServer},
         {{"fabric", "management interface on a distributed switch port", true}, Fabric},
-        {{"fabric-broken", "stranded on a fabric: management port blocked, second interface on the fabric", true},
+        {{"fabric-broken",
+          "stranded on a fabric: management port blocked, second interface on the fabric", true},
          FabricBroken},
-        {{"fabric-misconfigured", "management port of the fabric with a wrong VLAN, blocked, odd teaming", true},
+        {{"fabric-misconfigured",
+          "management port of the fabric with a wrong VLAN, blocked, odd teaming", true},
          FabricMisconfigured},
-        {{"no-standard-switch", "management on a fabric and no standard switch", true}, NoStandardSwitch},
+        {{"no-standard-switch", "management on a fabric and no standard switch", true},
+         NoStandardSwitch},
         {{"no-nics", "no physical network adapter", true}, NoNics},
-        {{"audit-mode", "host booted in audit mode", true}, [](json& s) { s["bootOption"]["auditMode"] = true; }},
+        {{"audit-mode", "host booted in audit mode", true},
+         [](json& s) { s["bootOption"]["auditMode"] = true; }},
         {{"pxe-boot", "host booted over PXE (user option PXEBootEnabled)", true},
          [](json& s) { s["userOptions"]["PXEBootEnabled"] = "true"; }},
         {{"custom-welcome", "host-supplied welcome message with substitution tags", true},
          [](json& s) {
              s["welcomeMessage"] =
                  "{align:center}{color:white}{ostraproduct} {ostraversion}{/color}{/align}\n\n"
-                 "Host {hostname} ({ip})\nMemory: {memory}  Serial: {serial-number}  Service tag: {servicetag}\n"
+                 "Host {hostname} ({ip})\nMemory: {memory}  Serial: {serial-number}  Service tag: "
+                 "{servicetag}\n"
                  "BIOS: {BIOSversion}  Asset tag: {assettag}\n\n"
                  "{color:light-grey}Authorized use only.{/color}\n"
                  "{align:right}<F2> Customize System  <F12> Shut Down/Restart{/align}";
@@ -194,14 +244,16 @@ const std::vector<std::pair<Profile, std::function<void(json&)>>>& Table() {
 std::string HashPassword(const std::string& password, const std::string& salt) {
     crypt_data data{};
     const char* hash = crypt_r(password.c_str(), ("$6$" + salt + "$").c_str(), &data);
-    if (hash == nullptr || hash[0] == '*') throw std::runtime_error("Cannot hash a password");
+    if (hash == nullptr || hash[0] == '*')
+        throw std::runtime_error("Cannot hash a password");
     return hash;
 }
 
 const std::vector<Profile>& Profiles() {
     static const std::vector<Profile> profiles = [] {
         std::vector<Profile> list;
-        for (const auto& entry : Table()) list.push_back(entry.first);
+        for (const auto& entry : Table())
+            list.push_back(entry.first);
         return list;
     }();
     return profiles;
@@ -209,7 +261,8 @@ const std::vector<Profile>& Profiles() {
 
 const Profile* FindProfile(const std::string& name) {
     for (const Profile& profile : Profiles()) {
-        if (profile.name == name) return &profile;
+        if (profile.name == name)
+            return &profile;
     }
     return nullptr;
 }
@@ -217,8 +270,10 @@ const Profile* FindProfile(const std::string& name) {
 nlohmann::json ProfileState(const std::string& name) {
     json state = DefaultState();
     for (const auto& [profile, change] : Table()) {
-        if (profile.name != name) continue;
-        if (change) change(state);
+        if (profile.name != name)
+            continue;
+        if (change)
+            change(state);
         state["profile"] = name;
         return state;
     }

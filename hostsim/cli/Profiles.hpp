@@ -10,7 +10,7 @@ namespace HostSim::Cli {
 struct Profile {
     std::string name;
     std::string description;
-    bool loginMarker = true;   // /var/run/zephora/show-lanyx-login present
+    bool loginMarker = true; // /var/run/zephora/show-lanyx-login present
 };
 
 // All profiles, "default" first.

@@ -27,7 +27,8 @@ std::string PamService(const std::string& root, const std::string& programDir) {
     const std::string module = programDir + "/pam_hostsim.so root=" + root;
     std::string text = "# Console login of the simulated host\n";
     for (const char* type : {"auth", "account", "password", "session"}) {
-        text += std::string(type) + std::string(9 - std::string(type).size(), ' ') + "required " + module + "\n";
+        text += std::string(type) + std::string(9 - std::string(type).size(), ' ') + "required " +
+                module + "\n";
     }
     return text;
 }
@@ -55,38 +56,48 @@ std::string SupportFile(const nlohmann::json& state) {
 }
 
 std::vector<std::pair<std::string, std::string>> LogFiles(const nlohmann::json& state) {
-    const std::string host = state.value("host", nlohmann::json::object()).value("hostname", "localhost");
+    const std::string host =
+        state.value("host", nlohmann::json::object()).value("hostname", "localhost");
     const std::string address = Address(state);
     std::vector<std::pair<std::string, std::string>> files;
     files.emplace_back("/var/log/syslog.log", "");
     files.emplace_back("/var/log/notad.log", "");
     files.emplace_back("/var/log/audit.log", "");
-    files.emplace_back("/var/log/tessel.log",
-                       "2026-11-23T08:00:01.114Z cpu0:1)Boot Successful\n"
-                       "2026-11-23T08:00:03.562Z cpu2:2097)NetPort: 1712: enabled port 0x2000002 with mac 00:50:56:6a:10:01\n"
-                       "2026-11-23T08:00:04.901Z cpu5:2098)Uplink: hwport0 link up, 10000 Mbps, full duplex\n"
-                       "2026-11-23T08:00:04.903Z cpu5:2098)Uplink: hwport1 link up, 10000 Mbps, full duplex\n"
-                       "2026-11-23T08:00:05.220Z cpu1:2101)Storage: storbus0 claimed by nvme_pcie\n");
-    files.emplace_back("/var/log/sysboot.log",
-                       "2026-11-23T07:59:50Z sysboot: Loading configuration from /bootbank/state.tgz\n"
-                       "2026-11-23T07:59:52Z sysboot: Hostname set to " + host + "\n"
-                       "2026-11-23T07:59:53Z sysboot: tnic0 configured with " + address + "\n"
-                       "2026-11-23T07:59:55Z sysboot: All services started\n");
-    files.emplace_back("/var/log/helmd.log",
-                       "2026-11-23T08:00:10.001Z info helmd[2105] Host agent started, version 8.0.3\n"
-                       "2026-11-23T08:00:11.442Z info helmd[2105] Inventory loaded: 3 guests\n"
-                       "2026-11-23T08:05:00.000Z verbose helmd[2111] Heartbeat sent\n");
-    files.emplace_back("/var/log/cairnd.log",
-                       "2026-11-23T08:00:20Z cairnd[2201]: High availability agent starting\n"
-                       "2026-11-23T08:00:21Z cairnd[2201]: Not part of a cluster; waiting for configuration\n");
+    files.emplace_back(
+        "/var/log/tessel.log",
+        "2026-11-23T08:00:01.114Z cpu0:1)Boot Successful\n"
+        "2026-11-23T08:00:03.562Z cpu2:2097)NetPort: 1712: enabled port 0x2000002 with mac "
+        "00:50:56:6a:10:01\n"
+        "2026-11-23T08:00:04.901Z cpu5:2098)Uplink: hwport0 link up, 10000 Mbps, full duplex\n"
+        "2026-11-23T08:00:04.903Z cpu5:2098)Uplink: hwport1 link up, 10000 Mbps, full duplex\n"
+        "2026-11-23T08:00:05.220Z cpu1:2101)Storage: storbus0 claimed by nvme_pcie\n");
+    files.emplace_back(
+        "/var/log/sysboot.log",
+        "2026-11-23T07:59:50Z sysboot: Loading configuration from /bootbank/state.tgz\n"
+        "2026-11-23T07:59:52Z sysboot: Hostname set to " +
+            host +
+            "\n"
+            "2026-11-23T07:59:53Z sysboot: tnic0 configured with " +
+            address +
+            "\n"
+            "2026-11-23T07:59:55Z sysboot: All services started\n");
+    files.emplace_back(
+        "/var/log/helmd.log",
+        "2026-11-23T08:00:10.001Z info helmd[2105] Host agent started, version 8.0.3\n"
+        "2026-11-23T08:00:11.442Z info helmd[2105] Inventory loaded: 3 guests\n"
+        "2026-11-23T08:05:00.000Z verbose helmd[2111] Heartbeat sent\n");
+    files.emplace_back(
+        "/var/log/cairnd.log",
+        "2026-11-23T08:00:20Z cairnd[2201]: High availability agent starting\n"
+        "2026-11-23T08:00:21Z cairnd[2201]: Not part of a cluster; waiting for configuration\n");
     return files;
 }
 
 std::string HostsFile(const nlohmann::json& state) {
     const nlohmann::json host = state.value("host", nlohmann::json::object());
     const std::string name = host.value("hostname", "localhost");
-    return "127.0.0.1\tlocalhost.localdomain localhost\n::1\tlocalhost.localdomain localhost\n" + Address(state) +
-           "\t" + Fqdn(state) + " " + name + "\n";
+    return "127.0.0.1\tlocalhost.localdomain localhost\n::1\tlocalhost.localdomain localhost\n" +
+           Address(state) + "\t" + Fqdn(state) + " " + name + "\n";
 }
 
 } // namespace HostSim::Cli

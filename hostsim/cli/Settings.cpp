@@ -13,8 +13,10 @@ namespace {
 using nlohmann::json;
 
 bool Bool(const std::string& value) {
-    if (value == "true" || value == "1" || value == "yes" || value == "on") return true;
-    if (value == "false" || value == "0" || value == "no" || value == "off") return false;
+    if (value == "true" || value == "1" || value == "yes" || value == "on")
+        return true;
+    if (value == "false" || value == "0" || value == "no" || value == "off")
+        return false;
     throw UsageError("Expected true or false, got \"" + value + "\"");
 }
 
@@ -28,7 +30,8 @@ std::string Ipv4(const std::string& value) {
 json& ManagementInterface(json& state) {
     const std::string name = state["network"].value("managementInterface", "");
     for (json& nic : state["network"]["interfaces"]) {
-        if (nic.value("name", "") == name) return nic;
+        if (nic.value("name", "") == name)
+            return nic;
     }
     throw UsageError("The host has no management interface");
 }
@@ -49,14 +52,21 @@ void SetLanyxTimeout(json& state, const std::string& value) {
 
 void SetSmartCardUser(json& state, const std::string& value) {
     json& slots = state["smartCard"]["slots"];
-    if (!slots.is_array() || slots.empty()) slots = json::array({{{"name", "Reader 0 Slot 0"}, {"token", nullptr}}});
+    if (!slots.is_array() || slots.empty())
+        slots = json::array({{{"name", "Reader 0 Slot 0"}, {"token", nullptr}}});
     if (value.empty()) {
-        for (json& slot : slots) slot["token"] = nullptr;
+        for (json& slot : slots)
+            slot["token"] = nullptr;
         return;
     }
-    slots[0]["token"] = {{"label", "PIV Card"}, {"manufacturer", "Cardline"}, {"model", "PIV-II"},
-                         {"serialNumber", "0042A7F3"}, {"slotDescription", slots[0].value("name", "")},
-                         {"firmware", "2.1"}, {"certificates", {"CN=" + value}}, {"userIds", {value}}};
+    slots[0]["token"] = {{"label", "PIV Card"},
+                         {"manufacturer", "Cardline"},
+                         {"model", "PIV-II"},
+                         {"serialNumber", "0042A7F3"},
+                         {"slotDescription", slots[0].value("name", "")},
+                         {"firmware", "2.1"},
+                         {"certificates", {"CN=" + value}},
+                         {"userIds", {value}}};
 }
 
 void SetDhcpServer(json& state, const std::string& value) {
@@ -71,9 +81,12 @@ json CommaList(const std::string& value) {
     size_t start = 0;
     while (start <= value.size() && !value.empty()) {
         size_t comma = value.find(',', start);
-        std::string item = value.substr(start, comma == std::string::npos ? std::string::npos : comma - start);
-        if (!item.empty()) list.push_back(item);
-        if (comma == std::string::npos) break;
+        std::string item =
+            value.substr(start, comma == std::string::npos ? std::string::npos : comma - start);
+        if (!item.empty())
+            list.push_back(item);
+        if (comma == std::string::npos)
+            break;
         start = comma + 1;
     }
     return list;
@@ -94,10 +107,13 @@ const std::vector<Setting>& Settings() {
     static const std::vector<Setting> settings = {
         {"welcome-message", "host-supplied welcome text (markup; empty: default screen)",
          [](json& s, const std::string& v) { s["welcomeMessage"] = v; }},
-        {"smartcard-user", "user id of the card in the first reader slot (empty: no card)", SetSmartCardUser},
-        {"lanyx-timeout", "/UserVars/LanyxTimeOut in seconds (\"none\": the host has no such option)",
+        {"smartcard-user", "user id of the card in the first reader slot (empty: no card)",
+         SetSmartCardUser},
+        {"lanyx-timeout",
+         "/UserVars/LanyxTimeOut in seconds (\"none\": the host has no such option)",
          SetLanyxTimeout},
-        {"dhcp-server", "DHCP server of the management interface (0.0.0.0: none answered)", SetDhcpServer},
+        {"dhcp-server", "DHCP server of the management interface (0.0.0.0: none answered)",
+         SetDhcpServer},
         {"lockdown-enabled", "lockdown mode enabled (true/false)",
          [](json& s, const std::string& v) { s["lockdown"]["enabled"] = Bool(v); }},
         {"lockdown-possible", "lockdown mode possible (true/false)",
@@ -110,8 +126,10 @@ const std::vector<Setting>& Settings() {
          [](json& s, const std::string& v) { s["bootOption"]["auditMode"] = Bool(v); }},
         {"pxe-boot", "user option PXEBootEnabled present (true/false)",
          [](json& s, const std::string& v) {
-             if (Bool(v)) s["userOptions"]["PXEBootEnabled"] = "true";
-             else s["userOptions"].erase("PXEBootEnabled");
+             if (Bool(v))
+                 s["userOptions"]["PXEBootEnabled"] = "true";
+             else
+                 s["userOptions"].erase("PXEBootEnabled");
          }},
         {"ssh-running", "SSH service running (true/false)",
          [](json& s, const std::string& v) { s["services"]["SSH"]["running"] = Bool(v); }},
@@ -126,7 +144,8 @@ const std::vector<Setting>& Settings() {
          [](json& s, const std::string& v) { s["hostAgent"]["users"] = CommaList(v); }},
         {"guests-running", "all guests running (true/false)",
          [](json& s, const std::string& v) {
-             for (json& guest : s["guests"]) guest["running"] = Bool(v);
+             for (json& guest : s["guests"])
+                 guest["running"] = Bool(v);
          }},
     };
     return settings;
@@ -134,8 +153,10 @@ const std::vector<Setting>& Settings() {
 
 void ApplySetting(const std::string& root, const std::string& name, const std::string& value) {
     const auto& all = Settings();
-    auto it = std::find_if(all.begin(), all.end(), [&](const Setting& s) { return name == s.name; });
-    if (it == all.end()) throw UsageError("Unknown setting \"" + name + "\" (hostsim --help lists them)");
+    auto it =
+        std::find_if(all.begin(), all.end(), [&](const Setting& s) { return name == s.name; });
+    if (it == all.end())
+        throw UsageError("Unknown setting \"" + name + "\" (hostsim --help lists them)");
     StateStore(root).Update([&](json& state) { it->apply(state, value); });
 }
 

@@ -32,25 +32,31 @@ void Help(std::ostream& out) {
            "  hostsim fault DIR clear [NAME]                  remove one fault or all\n"
            "  hostsim --help\n\nsettings:\n";
     for (const Setting& setting : Settings()) {
-        out << "  " << setting.name << std::string(20 - std::min<size_t>(19, std::string(setting.name).size()), ' ')
+        out << "  " << setting.name
+            << std::string(20 - std::min<size_t>(19, std::string(setting.name).size()), ' ')
             << setting.help << "\n";
     }
     out << "\nprofiles:\n";
-    for (const Profile& profile : Profiles()) out << "  " << profile.name << "\n";
+    for (const Profile& profile : Profiles())
+        out << "  " << profile.name << "\n";
     out << "\nfault operations:\n";
-    for (const std::string& name : FaultOperations()) out << "  " << name << "\n";
+    for (const std::string& name : FaultOperations())
+        out << "  " << name << "\n";
     out << "\ntools:\n";
-    for (const std::string& name : FaultTools()) out << "  " << name << "\n";
+    for (const std::string& name : FaultTools())
+        out << "  " << name << "\n";
 }
 
 // The folder of this program, where hostsim-tool and pam_hostsim.so are built too.
 std::string ProgramDir() {
     char path[PATH_MAX];
     ssize_t length = ::readlink("/proc/self/exe", path, sizeof path - 1);
-    if (length <= 0) throw CreateError("Cannot find the hostsim program's folder");
+    if (length <= 0)
+        throw CreateError("Cannot find the hostsim program's folder");
     path[length] = '\0';
     std::string dir = std::filesystem::path(path).parent_path().string();
-    if (::access((dir + "/hostsim-tool").c_str(), F_OK) == 0) return dir;
+    if (::access((dir + "/hostsim-tool").c_str(), F_OK) == 0)
+        return dir;
     return HOSTSIM_PROGRAM_DIR;
 }
 
@@ -58,7 +64,8 @@ std::string ProgramDir() {
 std::string ExistingRoot(const std::string& dir) {
     std::error_code error;
     auto absolute = std::filesystem::canonical(dir, error);
-    if (error) throw UsageError("No such folder: " + dir);
+    if (error)
+        throw UsageError("No such folder: " + dir);
     return absolute.string();
 }
 
@@ -73,9 +80,11 @@ int Run(const std::vector<std::string>& args) {
         return 0;
     }
     if (command == "profiles") {
-        if (args.size() != 1) throw UsageError("usage: hostsim profiles");
+        if (args.size() != 1)
+            throw UsageError("usage: hostsim profiles");
         for (const Profile& profile : Profiles()) {
-            std::cout << profile.name << std::string(16 - std::min<size_t>(15, profile.name.size()), ' ')
+            std::cout << profile.name
+                      << std::string(16 - std::min<size_t>(15, profile.name.size()), ' ')
                       << profile.description << "\n";
         }
         return 0;
@@ -85,34 +94,40 @@ int Run(const std::vector<std::string>& args) {
         bool force = false;
         for (size_t i = 1; i < args.size(); ++i) {
             if (args[i] == "--profile") {
-                if (++i >= args.size()) throw UsageError("--profile needs a name");
+                if (++i >= args.size())
+                    throw UsageError("--profile needs a name");
                 profile = args[i];
             } else if (args[i] == "--force") {
                 force = true;
             } else if (dir.empty() && !args[i].empty() && args[i][0] != '-') {
                 dir = args[i];
             } else {
-                throw UsageError("Unexpected argument \"" + args[i] + "\" (usage: hostsim create DIR [--profile NAME])");
+                throw UsageError("Unexpected argument \"" + args[i] +
+                                 "\" (usage: hostsim create DIR [--profile NAME])");
             }
         }
-        if (dir.empty()) throw UsageError("usage: hostsim create DIR [--profile NAME]");
+        if (dir.empty())
+            throw UsageError("usage: hostsim create DIR [--profile NAME]");
         if (FindProfile(profile) == nullptr)
             throw UsageError("Unknown profile \"" + profile + "\" (hostsim profiles lists them)");
         CreateRoot(dir, profile, ProgramDir(), force);
         return 0;
     }
     if (command == "state") {
-        if (args.size() != 2) throw UsageError("usage: hostsim state DIR");
+        if (args.size() != 2)
+            throw UsageError("usage: hostsim state DIR");
         std::cout << HostSim::StateStore(ExistingRoot(args[1])).Read().dump(2) << "\n";
         return 0;
     }
     if (command == "set") {
-        if (args.size() != 4) throw UsageError("usage: hostsim set DIR NAME VALUE");
+        if (args.size() != 4)
+            throw UsageError("usage: hostsim set DIR NAME VALUE");
         ApplySetting(ExistingRoot(args[1]), args[2], args[3]);
         return 0;
     }
     if (command == "fault") {
-        if (args.size() < 3) throw UsageError("usage: hostsim fault DIR lib|tool|clear ...");
+        if (args.size() < 3)
+            throw UsageError("usage: hostsim fault DIR lib|tool|clear ...");
         ApplyFault(ExistingRoot(args[1]), std::vector<std::string>(args.begin() + 2, args.end()));
         return 0;
     }

@@ -1,4 +1,5 @@
-// Network value types: parsing and text forms of addresses, and the IPv6 list of an IP configuration.
+// Network value types: parsing and text forms of addresses, and the IPv6 list of an IP
+// configuration.
 #include <arpa/inet.h>
 
 #include <algorithm>
@@ -11,7 +12,8 @@ namespace Keelson::Network {
 namespace {
 
 bool ParsePrefixLength(const std::string& text, int& length) {
-    if (text.empty() || text.size() > 3 || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
+    if (text.empty() || text.size() > 3 ||
+        !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
         return false;
     length = std::stoi(text);
     return length <= 128;
@@ -23,7 +25,8 @@ bool ParseIpv6(const std::string& text, std::array<uint8_t, 16>& bytes, std::str
     const std::string address = text.substr(0, percent);
     if (percent != std::string::npos) {
         zone = text.substr(percent + 1);
-        if (zone.empty()) return false;
+        if (zone.empty())
+            return false;
     } else {
         zone.clear();
     }
@@ -49,7 +52,8 @@ std::string Ipv4Address::GetStringAddress() const {
 }
 
 bool Ipv4Address::IsValidNetmask() const {
-    if (binary_ == 0) return false;
+    if (binary_ == 0)
+        return false;
     const uint32_t inverted = ~binary_;
     return (inverted & (inverted + 1)) == 0;
 }
@@ -62,7 +66,8 @@ bool Ipv4Address::IsValidAddress(const std::string& text) {
 Ipv6Address::Ipv6Address() = default;
 
 Ipv6Address::Ipv6Address(const std::string& text) {
-    if (!ParseIpv6(text, bytes_, zone_)) throw Lib::KeelsonException("Invalid IPv6 address \"" + text + "\"");
+    if (!ParseIpv6(text, bytes_, zone_))
+        throw Lib::KeelsonException("Invalid IPv6 address \"" + text + "\"");
 }
 
 std::string Ipv6Address::GetStringAddress() const {
@@ -79,7 +84,9 @@ bool Ipv6Address::IsUnspecified() const {
     return std::all_of(bytes_.begin(), bytes_.end(), [](uint8_t b) { return b == 0; });
 }
 
-bool Ipv6Address::IsLinkLocal() const { return bytes_[0] == 0xfe && (bytes_[1] & 0xc0) == 0x80; }
+bool Ipv6Address::IsLinkLocal() const {
+    return bytes_[0] == 0xfe && (bytes_[1] & 0xc0) == 0x80;
+}
 
 bool Ipv6Address::IsValidAddress(const std::string& text) {
     std::array<uint8_t, 16> bytes{};
@@ -108,27 +115,29 @@ std::string Ipv6Network::GetStringAddress() const {
 
 bool Ipv6Network::IsValidAddressAndNetmask(const std::string& text) {
     const size_t slash = text.rfind('/');
-    if (slash == std::string::npos) return false;
+    if (slash == std::string::npos)
+        return false;
     int length = 0;
     const std::string address = text.substr(0, slash);
-    return ParsePrefixLength(text.substr(slash + 1), length) && address.find('%') == std::string::npos &&
-           Ipv6Address::IsValidAddress(address);
+    return ParsePrefixLength(text.substr(slash + 1), length) &&
+           address.find('%') == std::string::npos && Ipv6Address::IsValidAddress(address);
 }
 
 MacAddress::MacAddress(const std::string& text) {
     unsigned parts[6];
     char end = 0;
     if (text.size() != 17 ||
-        std::sscanf(text.c_str(), "%2x:%2x:%2x:%2x:%2x:%2x%c", &parts[0], &parts[1], &parts[2], &parts[3], &parts[4],
-                    &parts[5], &end) != 6)
+        std::sscanf(text.c_str(), "%2x:%2x:%2x:%2x:%2x:%2x%c", &parts[0], &parts[1], &parts[2],
+                    &parts[3], &parts[4], &parts[5], &end) != 6)
         throw Lib::KeelsonException("Invalid MAC address \"" + text + "\"");
-    for (size_t i = 0; i < 6; ++i) bytes_[i] = static_cast<uint8_t>(parts[i]);
+    for (size_t i = 0; i < 6; ++i)
+        bytes_[i] = static_cast<uint8_t>(parts[i]);
 }
 
 std::string MacAddress::GetStringAddress() const {
     char text[18];
-    std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", bytes_[0], bytes_[1], bytes_[2], bytes_[3],
-                  bytes_[4], bytes_[5]);
+    std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", bytes_[0], bytes_[1],
+                  bytes_[2], bytes_[3], bytes_[4], bytes_[5]);
     return text;
 }
 
@@ -139,7 +148,8 @@ void IpConfig::AddIpv6Network(const Ipv6Network& network) {
 
 void IpConfig::RemoveIpv6Network(const Ipv6Network& network) {
     auto it = std::find(ipv6Networks_.begin(), ipv6Networks_.end(), network);
-    if (it != ipv6Networks_.end()) ipv6Networks_.erase(it);
+    if (it != ipv6Networks_.end())
+        ipv6Networks_.erase(it);
 }
 
 } // namespace Keelson::Network

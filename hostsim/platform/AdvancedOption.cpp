@@ -15,12 +15,14 @@ void StoreValue(const std::string& name, const char* type, const nlohmann::json&
             throw Keelson::Lib::KeelsonException("Advanced option " + name + " does not exist");
         nlohmann::json& option = options[name];
         if (option.value("type", "") != type)
-            throw Keelson::Lib::KeelsonException("Advanced option " + name + " is not of type " + type);
+            throw Keelson::Lib::KeelsonException("Advanced option " + name + " is not of type " +
+                                                 type);
         if (value.is_number_integer()) {
             int64_t v = value.get<int64_t>();
             if ((option.contains("min") && v < option["min"].get<int64_t>()) ||
                 (option.contains("max") && v > option["max"].get<int64_t>()))
-                throw Keelson::Lib::KeelsonException("Value " + std::to_string(v) + " out of range for " + name);
+                throw Keelson::Lib::KeelsonException("Value " + std::to_string(v) +
+                                                     " out of range for " + name);
         }
         option["value"] = value;
     });
@@ -43,7 +45,8 @@ private:
 
 class StringOption : public Keelson::Adv::AdvancedStringOption {
 public:
-    StringOption(std::string name, std::string value) : name_(std::move(name)), value_(std::move(value)) {}
+    StringOption(std::string name, std::string value)
+        : name_(std::move(name)), value_(std::move(value)) {}
     std::string GetName() const override { return name_; }
     std::string GetValue() const override { return value_; }
     void SetValue(const std::string& value) override {
@@ -61,9 +64,11 @@ private:
 Keelson::Adv::AdvancedOption* AdvancedOptionImpl::FindOption(const std::string& name) {
     nlohmann::json state = HostSim::Platform::StateFor({"AdvancedOptionImpl::FindOption"});
     auto options = state.find("advancedOptions");
-    if (options == state.end() || !options->is_object()) return nullptr;
+    if (options == state.end() || !options->is_object())
+        return nullptr;
     auto it = options->find(name);
-    if (it == options->end()) return nullptr;
+    if (it == options->end())
+        return nullptr;
     const nlohmann::json& option = *it;
     const nlohmann::json value = option.value("value", nlohmann::json());
     if (option.value("type", "") == "string")

@@ -9,7 +9,8 @@ void StoreUserAccountsToCs() {
     HostSim::Platform::UpdateState([](nlohmann::json& state) {
         HostSim::Platform::CheckFault(state, {"Authentication::StoreUserAccountsToCs"});
         nlohmann::json& store = state["configStore"];
-        if (!store.is_object()) store = nlohmann::json::object();
+        if (!store.is_object())
+            store = nlohmann::json::object();
         store["accounts"] = state.value("accounts", nlohmann::json::array());
     });
 }

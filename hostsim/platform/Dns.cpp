@@ -21,7 +21,9 @@ using HostSim::Platform::UpdateState;
 using Keelson::Lib::KeelsonException;
 namespace KN = Keelson::Network;
 
-json& Dns(json& state) { return Object(Object(state, "network"), "dns"); }
+json& Dns(json& state) {
+    return Object(Object(state, "network"), "dns");
+}
 
 // One change of the DNS section; it is live at once and unsaved until SaveConfig.
 void ChangeDns(const char* operation, const std::function<void(json& state, json& dns)>& change) {
@@ -38,23 +40,27 @@ std::vector<std::string> SplitDomains(const std::string& text) {
     std::string current;
     for (char c : text) {
         if (c == ',' || std::isspace(static_cast<unsigned char>(c))) {
-            if (!current.empty()) domains.push_back(current);
+            if (!current.empty())
+                domains.push_back(current);
             current.clear();
         } else {
             current += c;
         }
     }
-    if (!current.empty()) domains.push_back(current);
+    if (!current.empty())
+        domains.push_back(current);
     return domains;
 }
 
 // The simulated host has the one stack.
 void CheckStack(const std::string& stack) {
-    if (stack != "defaultTcpipStack") throw KeelsonException("Unknown network stack \"" + stack + "\"");
+    if (stack != "defaultTcpipStack")
+        throw KeelsonException("Unknown network stack \"" + stack + "\"");
 }
 
 void CheckHostname(const std::string& name) {
-    if (name.empty()) throw KeelsonException("Invalid hostname: the name is empty");
+    if (name.empty())
+        throw KeelsonException("Invalid hostname: the name is empty");
     for (char c : name) {
         if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '.')
             throw KeelsonException("Invalid hostname \"" + name + "\"");
@@ -73,41 +79,49 @@ void DnsConfigImpl::Refresh() {
     nameServers_.clear();
     ipv6NameServers_.clear();
     for (const std::string& server : Strings(dns, "servers")) {
-        if (KN::Ipv4Address::IsValidAddress(server)) nameServers_.emplace_back(server);
-        else if (KN::Ipv6Address::IsValidAddress(server)) ipv6NameServers_.emplace_back(server);
+        if (KN::Ipv4Address::IsValidAddress(server))
+            nameServers_.emplace_back(server);
+        else if (KN::Ipv6Address::IsValidAddress(server))
+            ipv6NameServers_.emplace_back(server);
     }
     stale_ = false;
 }
 
 std::vector<std::string> DnsConfigImpl::GetSearchDomains() {
     CheckFault(HostSim::Platform::ReadState(), {"DnsConfigImpl::GetSearchDomains"});
-    if (stale_) Refresh();
+    if (stale_)
+        Refresh();
     return searchDomains_;
 }
 
 std::vector<KN::Ipv4Address> DnsConfigImpl::GetNameServers() {
     CheckFault(HostSim::Platform::ReadState(), {"DnsConfigImpl::GetNameServers"});
-    if (stale_) Refresh();
+    if (stale_)
+        Refresh();
     return nameServers_;
 }
 
 std::vector<KN::Ipv6Address> DnsConfigImpl::GetIpv6NameServers(bool dhcpOnly) {
     json state = StateFor({"DnsConfigImpl::GetIpv6NameServers"});
-    if (stale_) Refresh();
-    if (dhcpOnly && !Dns(state).value("dhcp", false)) return {};
+    if (stale_)
+        Refresh();
+    if (dhcpOnly && !Dns(state).value("dhcp", false))
+        return {};
     return ipv6NameServers_;
 }
 
 void DnsConfigImpl::SetHostname(const std::string& hostname, bool) {
     CheckHostname(hostname);
-    ChangeDns("DnsConfigImpl::SetHostname", [&](json& state, json&) { Object(state, "host")["hostname"] = hostname; });
+    ChangeDns("DnsConfigImpl::SetHostname",
+              [&](json& state, json&) { Object(state, "host")["hostname"] = hostname; });
     stale_ = true;
 }
 
 void DnsConfigImpl::SetFqdn(const std::string& fqdn, bool, const std::string& searchDomain) {
     CheckHostname(fqdn);
     const size_t dot = fqdn.find('.');
-    if (dot == 0 || dot == fqdn.size() - 1) throw KeelsonException("Invalid fully qualified name \"" + fqdn + "\"");
+    if (dot == 0 || dot == fqdn.size() - 1)
+        throw KeelsonException("Invalid fully qualified name \"" + fqdn + "\"");
     ChangeDns("DnsConfigImpl::SetFqdn", [&](json& state, json& dns) {
         json& host = Object(state, "host");
         host["hostname"] = fqdn.substr(0, dot);
@@ -119,7 +133,8 @@ void DnsConfigImpl::SetFqdn(const std::string& fqdn, bool, const std::string& se
 }
 
 void DnsConfigImpl::RemoveNameServers() {
-    ChangeDns("DnsConfigImpl::RemoveNameServers", [](json&, json& dns) { dns["servers"] = json::array(); });
+    ChangeDns("DnsConfigImpl::RemoveNameServers",
+              [](json&, json& dns) { dns["servers"] = json::array(); });
     stale_ = true;
 }
 
@@ -127,7 +142,8 @@ void DnsConfigImpl::AddUserNameServer(const KN::IpAddress& server) {
     const std::string text = server.GetStringAddress();
     ChangeDns("DnsConfigImpl::AddUserNameServer", [&](json&, json& dns) {
         json& servers = Array(dns, "servers");
-        if (!HasString(servers, text)) servers.push_back(text);
+        if (!HasString(servers, text))
+            servers.push_back(text);
     });
     stale_ = true;
 }
@@ -139,10 +155,12 @@ void DnsConfigImpl::SetSearchDomainsString(const std::string& domains) {
 }
 
 void DnsConfigImpl::AddUserSearchDomain(const std::string& domain) {
-    if (domain.empty()) throw KeelsonException("Invalid search domain: the name is empty");
+    if (domain.empty())
+        throw KeelsonException("Invalid search domain: the name is empty");
     ChangeDns("DnsConfigImpl::AddUserSearchDomain", [&](json&, json& dns) {
         json& list = Array(dns, "searchDomains");
-        if (!HasString(list, domain)) list.push_back(domain);
+        if (!HasString(list, domain))
+            list.push_back(domain);
     });
     stale_ = true;
 }
@@ -161,7 +179,8 @@ void HostsFile::RemoveEntryByHostName(const std::string& name) {
     StateFor({"HostsFile::RemoveEntryByHostName"});
     const std::string path = HostSim::Platform::HostFile("/etc/hosts");
     std::ifstream in(path);
-    if (!in) throw KeelsonException("Cannot read " + path);
+    if (!in)
+        throw KeelsonException("Cannot read " + path);
     std::ostringstream out;
     std::string line;
     while (std::getline(in, line)) {
@@ -172,17 +191,22 @@ void HostsFile::RemoveEntryByHostName(const std::string& name) {
         bool removed = false;
         words >> address;
         while (words >> word) {
-            if (word == name) removed = true;
-            else names.push_back(word);
+            if (word == name)
+                removed = true;
+            else
+                names.push_back(word);
         }
         if (!removed) {
             out << line << '\n';
             continue;
         }
-        if (names.empty()) continue;
+        if (names.empty())
+            continue;
         out << address;
-        for (const std::string& kept : names) out << '\t' << kept;
-        if (hash != std::string::npos) out << ' ' << line.substr(hash);
+        for (const std::string& kept : names)
+            out << '\t' << kept;
+        if (hash != std::string::npos)
+            out << ' ' << line.substr(hash);
         out << '\n';
     }
     in.close();
@@ -191,7 +215,8 @@ void HostsFile::RemoveEntryByHostName(const std::string& name) {
     {
         std::ofstream file(temporary, std::ios::trunc);
         file << out.str();
-        if (!file.flush()) throw KeelsonException("Cannot write " + temporary);
+        if (!file.flush())
+            throw KeelsonException("Cannot write " + temporary);
     }
     if (std::rename(temporary.c_str(), path.c_str()) != 0) {
         std::remove(temporary.c_str());
@@ -205,26 +230,31 @@ RoutingInfoImpl::RoutingInfoImpl(std::string stack) : stack_(std::move(stack)) {
 
 KN::Ipv4Address RoutingInfoImpl::GetTesselDefaultGateway() const {
     CheckStack(stack_);
-    return V4(Text(StateFor({"RoutingInfoImpl::GetTesselDefaultGateway"}).value("network", json::object()), "gateway"));
+    return V4(Text(
+        StateFor({"RoutingInfoImpl::GetTesselDefaultGateway"}).value("network", json::object()),
+        "gateway"));
 }
 
 void RoutingInfoImpl::SetTesselDefaultGateway(const KN::Ipv4Address& gateway, bool) {
     UpdateState([&](json& state) {
         CheckFault(state, {"RoutingInfoImpl::SetTesselDefaultGateway"});
-        Object(state, "network")["gateway"] = gateway.GetBinaryAddress() == 0 ? "" : gateway.GetStringAddress();
+        Object(state, "network")["gateway"] =
+            gateway.GetBinaryAddress() == 0 ? "" : gateway.GetStringAddress();
     });
 }
 
 KN::Ipv6Address RoutingInfoImpl::GetIpv6TesselDefaultGateway() const {
     CheckStack(stack_);
-    return V6(Text(StateFor({"RoutingInfoImpl::GetIpv6TesselDefaultGateway"}).value("network", json::object()),
-                   "ipv6Gateway"));
+    return V6(Text(
+        StateFor({"RoutingInfoImpl::GetIpv6TesselDefaultGateway"}).value("network", json::object()),
+        "ipv6Gateway"));
 }
 
 void RoutingInfoImpl::SetIpv6TesselDefaultGateway(const KN::Ipv6Address& gateway) {
     UpdateState([&](json& state) {
         CheckFault(state, {"RoutingInfoImpl::SetIpv6TesselDefaultGateway"});
-        Object(state, "network")["ipv6Gateway"] = gateway.IsUnspecified() ? "" : gateway.GetScopedStringAddress();
+        Object(state, "network")["ipv6Gateway"] =
+            gateway.IsUnspecified() ? "" : gateway.GetScopedStringAddress();
     });
 }
 

@@ -36,7 +36,8 @@ public:
     Keelson::Hardware::BiosData GetBiosData() const override {
         const json hardware = HardwareSection({"HardwareInfo::GetBiosData"});
         json bios = hardware.value("bios", json::object());
-        if (!bios.is_object()) bios = json::object();
+        if (!bios.is_object())
+            bios = json::object();
         Keelson::Hardware::BiosData data;
         data.vendor = Text(bios, "vendor");
         data.version = Text(bios, "version");
@@ -60,7 +61,8 @@ public:
     std::vector<Keelson::Hardware::StorageAdapter> GetAdapters() const override {
         std::vector<Keelson::Hardware::StorageAdapter> result;
         for (const json& adapter : Adapters(HardwareSection({"StorageInfo::GetAdapters"}))) {
-            if (adapter.is_object()) result.push_back({Text(adapter, "name"), Text(adapter, "driver")});
+            if (adapter.is_object())
+                result.push_back({Text(adapter, "name"), Text(adapter, "driver")});
         }
         return result;
     }

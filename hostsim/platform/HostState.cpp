@@ -23,11 +23,14 @@ void UpdateState(const std::function<void(nlohmann::json&)>& change) {
 
 std::string FaultText(const nlohmann::json& state, const char* operation) {
     auto faults = state.find("faults");
-    if (faults == state.end() || !faults->is_object()) return {};
+    if (faults == state.end() || !faults->is_object())
+        return {};
     auto lib = faults->find("lib");
-    if (lib == faults->end() || !lib->is_object()) return {};
+    if (lib == faults->end() || !lib->is_object())
+        return {};
     auto entry = lib->find(operation);
-    if (entry == lib->end()) return {};
+    if (entry == lib->end())
+        return {};
     if (entry->is_string()) {
         std::string text = entry->get<std::string>();
         return text.empty() ? std::string(operation) + " failed" : text;
@@ -38,7 +41,8 @@ std::string FaultText(const nlohmann::json& state, const char* operation) {
 void CheckFault(const nlohmann::json& state, std::initializer_list<const char*> operations) {
     for (const char* operation : operations) {
         std::string text = FaultText(state, operation);
-        if (!text.empty()) throw Keelson::Lib::KeelsonException(text);
+        if (!text.empty())
+            throw Keelson::Lib::KeelsonException(text);
     }
 }
 
@@ -50,12 +54,16 @@ nlohmann::json StateFor(std::initializer_list<const char*> operations) {
 
 void RecordCall(nlohmann::json& state, const std::string& operation, const std::string& target) {
     nlohmann::json& records = state["libRecords"];
-    if (!records.is_array()) records = nlohmann::json::array();
+    if (!records.is_array())
+        records = nlohmann::json::array();
     records.push_back({{"operation", operation}, {"target", target}});
     constexpr size_t kKept = 500;
-    if (records.size() > kKept) records.erase(records.begin(), records.begin() + (records.size() - kKept));
+    if (records.size() > kKept)
+        records.erase(records.begin(), records.begin() + (records.size() - kKept));
 }
 
-std::string HostFile(const std::string& hostPath) { return RootPath(HostRoot(), hostPath); }
+std::string HostFile(const std::string& hostPath) {
+    return RootPath(HostRoot(), hostPath);
+}
 
 } // namespace HostSim::Platform

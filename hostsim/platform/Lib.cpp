@@ -17,7 +17,9 @@ KeelsonObject::~KeelsonObject() = default;
 
 KeelsonException::KeelsonException(std::string text) : text_(std::move(text)) {}
 
-const char* KeelsonException::what() const noexcept { return text_.c_str(); }
+const char* KeelsonException::what() const noexcept {
+    return text_.c_str();
+}
 
 } // namespace Lib
 
@@ -31,11 +33,12 @@ std::string StrPrintf(const char* format, ...) {
     return text;
 }
 
-std::string StrCat(const char* a, size_t aLen, const char* b, size_t bLen, const char* c, size_t cLen,
-                   const char* d, size_t dLen, const char* e, size_t eLen) {
+std::string StrCat(const char* a, size_t aLen, const char* b, size_t bLen, const char* c,
+                   size_t cLen, const char* d, size_t dLen, const char* e, size_t eLen) {
     std::string text;
     for (auto [piece, length] : {std::pair{a, aLen}, {b, bLen}, {c, cLen}, {d, dLen}, {e, eLen}}) {
-        if (piece != nullptr) text.append(piece, length);
+        if (piece != nullptr)
+            text.append(piece, length);
     }
     return text;
 }

@@ -10,29 +10,33 @@
 
 namespace HostSim::Platform::Net {
 
-using nlohmann::json;
 using Keelson::Lib::KeelsonException;
+using nlohmann::json;
 
 std::string Text(const json& object, const char* key) {
-    if (!object.is_object()) return {};
+    if (!object.is_object())
+        return {};
     auto it = object.find(key);
     return it != object.end() && it->is_string() ? it->get<std::string>() : std::string();
 }
 
 json& Array(json& object, const char* key) {
     json& value = object[key];
-    if (!value.is_array()) value = json::array();
+    if (!value.is_array())
+        value = json::array();
     return value;
 }
 
 json& Object(json& object, const char* key) {
     json& value = object[key];
-    if (!value.is_object()) value = json::object();
+    if (!value.is_object())
+        value = json::object();
     return value;
 }
 
 json ArrayOf(const json& object, const char* key) {
-    if (!object.is_object()) return json::array();
+    if (!object.is_object())
+        return json::array();
     auto it = object.find(key);
     return it != object.end() && it->is_array() ? *it : json::array();
 }
@@ -40,38 +44,48 @@ json ArrayOf(const json& object, const char* key) {
 std::vector<std::string> Strings(const json& object, const char* key) {
     std::vector<std::string> result;
     for (const json& entry : ArrayOf(object, key))
-        if (entry.is_string()) result.push_back(entry.get<std::string>());
+        if (entry.is_string())
+            result.push_back(entry.get<std::string>());
     return result;
 }
 
 json* Named(json& array, const std::string& name) {
-    if (!array.is_array()) return nullptr;
+    if (!array.is_array())
+        return nullptr;
     for (json& entry : array)
-        if (Text(entry, "name") == name) return &entry;
+        if (Text(entry, "name") == name)
+            return &entry;
     return nullptr;
 }
 
 const json* Named(const json& array, const std::string& name) {
-    if (!array.is_array()) return nullptr;
+    if (!array.is_array())
+        return nullptr;
     for (const json& entry : array)
-        if (Text(entry, "name") == name) return &entry;
+        if (Text(entry, "name") == name)
+            return &entry;
     return nullptr;
 }
 
 json& Require(json& state, const char* section, const std::string& name, const char* what) {
     json* entry = Named(Array(state, section), name);
-    if (entry == nullptr) throw KeelsonException(std::string(what) + " " + name + " not found");
+    if (entry == nullptr)
+        throw KeelsonException(std::string(what) + " " + name + " not found");
     return *entry;
 }
 
-const json& Require(const json& state, const char* section, const std::string& name, const char* what) {
-    const json* entry = state.is_object() && state.contains(section) ? Named(state.at(section), name) : nullptr;
-    if (entry == nullptr) throw KeelsonException(std::string(what) + " " + name + " not found");
+const json& Require(const json& state, const char* section, const std::string& name,
+                    const char* what) {
+    const json* entry =
+        state.is_object() && state.contains(section) ? Named(state.at(section), name) : nullptr;
+    if (entry == nullptr)
+        throw KeelsonException(std::string(what) + " " + name + " not found");
     return *entry;
 }
 
 void RemoveString(json& array, const std::string& text) {
-    if (!array.is_array()) return;
+    if (!array.is_array())
+        return;
     array.erase(std::remove(array.begin(), array.end(), json(text)), array.end());
 }
 
@@ -89,7 +103,8 @@ Keelson::Network::Ipv6Address V6(const std::string& text) {
 
 Keelson::Network::NicTeamingPolicy TeamingFrom(const json& teaming) {
     Keelson::Network::NicTeamingPolicy policy;
-    if (!teaming.is_object()) return policy;
+    if (!teaming.is_object())
+        return policy;
     policy.SetFlags(teaming.value("flags", 0u));
     policy.SetUplinkOrder(Strings(teaming, "uplinkOrder"));
     policy.SetMaxActiveUplinks(teaming.value("maxActiveUplinks", 0));
@@ -110,7 +125,8 @@ Keelson::Network::NicTeamingPolicy TeamingFrom(const json& teaming) {
 }
 
 void TeamingInto(json& teaming, const Keelson::Network::NicTeamingPolicy& policy) {
-    if (!teaming.is_object()) teaming = json::object();
+    if (!teaming.is_object())
+        teaming = json::object();
     teaming["flags"] = policy.GetFlags();
     teaming["uplinkOrder"] = policy.GetUplinkOrder();
     teaming["maxActiveUplinks"] = policy.GetMaxActiveUplinks();
@@ -121,10 +137,14 @@ void TeamingInto(json& teaming, const Keelson::Network::NicTeamingPolicy& policy
     link["checkBeacon"] = criteria.checkBeacon;
     link["checkSpeed"] = criteria.checkSpeed;
     link["speed"] = criteria.speed;
-    if (criteria.checkDuplex || link.contains("checkDuplex")) link["checkDuplex"] = criteria.checkDuplex;
-    if (criteria.fullDuplex || link.contains("fullDuplex")) link["fullDuplex"] = criteria.fullDuplex;
-    if (criteria.checkErrorPercent || link.contains("checkErrorPercent")) link["checkErrorPercent"] = criteria.checkErrorPercent;
-    if (criteria.percentage != 0 || link.contains("percentage")) link["percentage"] = criteria.percentage;
+    if (criteria.checkDuplex || link.contains("checkDuplex"))
+        link["checkDuplex"] = criteria.checkDuplex;
+    if (criteria.fullDuplex || link.contains("fullDuplex"))
+        link["fullDuplex"] = criteria.fullDuplex;
+    if (criteria.checkErrorPercent || link.contains("checkErrorPercent"))
+        link["checkErrorPercent"] = criteria.checkErrorPercent;
+    if (criteria.percentage != 0 || link.contains("percentage"))
+        link["percentage"] = criteria.percentage;
 }
 
 json NewTeaming() {
@@ -147,20 +167,29 @@ namespace KN = Keelson::Network;
 
 // Type numbers of the IPv6 address kinds in the state.
 int AddressType(const std::string& type) {
-    if (type == "static") return 0;
-    if (type == "linklocal") return 1;
-    if (type == "autoconf") return 7;
-    if (type == "dhcp") return 9;
+    if (type == "static")
+        return 0;
+    if (type == "linklocal")
+        return 1;
+    if (type == "autoconf")
+        return 7;
+    if (type == "dhcp")
+        return 9;
     return 2;
 }
 
 std::string AddressTypeName(int type) {
     switch (type) {
-    case 0: return "static";
-    case 1: return "linklocal";
-    case 7: return "autoconf";
-    case 9: return "dhcp";
-    default: return "other";
+    case 0:
+        return "static";
+    case 1:
+        return "linklocal";
+    case 7:
+        return "autoconf";
+    case 9:
+        return "dhcp";
+    default:
+        return "other";
     }
 }
 
@@ -180,13 +209,16 @@ KN::IpConfig IpConfigFrom(const json& state, const json& nic, bool configured) {
     const json ipv6 = nic.value("ipv6", json::object());
     KN::IpConfig config;
     const std::string mode = Text(ipv4, "mode");
-    if (mode == "dhcp") config.SetUseDhcp(true);
-    else config.SetUseDhcp(false, mode == "none");
+    if (mode == "dhcp")
+        config.SetUseDhcp(true);
+    else
+        config.SetUseDhcp(false, mode == "none");
     config.SetIpv4Address(V4(Text(ipv4, configured ? "configuredAddress" : "address")));
     config.SetIpv4Netmask(V4(Text(ipv4, configured ? "configuredNetmask" : "netmask")));
     config.SetIpv4Gateway(V4(Text(network, "gateway")));
     config.SetDhcpDns(network.value("dns", json::object()).value("dhcp", false));
-    if (network.value("ipv6Enabled", false)) config.EnableIpv6();
+    if (network.value("ipv6Enabled", false))
+        config.EnableIpv6();
     config.SetUseIpv6Dhcp(ipv6.value("dhcp", false));
     config.SetUseIpv6RouterAdvertised(ipv6.value("autoconf", false));
     for (const json& entry : ArrayOf(ipv6, "addresses")) {
@@ -217,7 +249,8 @@ void TakeLease(json& state, json& nic) {
     ipv4["dhcpBound"] = true;
     network["gateway"] = Text(offer, "gateway");
     json& dns = Object(network, "dns");
-    if (dns.value("dhcp", false)) dns["servers"] = ArrayOf(offer, "dnsServers");
+    if (dns.value("dhcp", false))
+        dns["servers"] = ArrayOf(offer, "dnsServers");
 }
 
 void IpConfigInto(json& state, json& nic, const KN::IpConfig& config) {
@@ -230,10 +263,12 @@ void IpConfigInto(json& state, json& nic, const KN::IpConfig& config) {
         ipv4["mode"] = "dhcp";
         ipv4["configuredAddress"] = zero;
         ipv4["configuredNetmask"] = zero;
-        if (starting) TakeLease(state, nic);
+        if (starting)
+            TakeLease(state, nic);
     } else if (config.GetIpv4UseNone()) {
         ipv4["mode"] = "none";
-        ipv4["address"] = ipv4["netmask"] = ipv4["configuredAddress"] = ipv4["configuredNetmask"] = zero;
+        ipv4["address"] = ipv4["netmask"] = ipv4["configuredAddress"] = ipv4["configuredNetmask"] =
+            zero;
         ipv4["dhcpServer"] = zero;
         ipv4["dhcpBound"] = false;
     } else {
@@ -258,7 +293,8 @@ void IpConfigInto(json& state, json& nic, const KN::IpConfig& config) {
 void RecordLinkChange(json& nic, const char* change) {
     json& changes = Array(nic, "linkChanges");
     changes.push_back(change);
-    if (changes.size() > 50) changes.erase(changes.begin());
+    if (changes.size() > 50)
+        changes.erase(changes.begin());
 }
 
 // Connection points of kind none and opaque.
@@ -279,12 +315,18 @@ public:
     explicit SimVirtualSwitch(std::string name) : name_(std::move(name)) {}
 
     std::string GetName() const override { return name_; }
-    std::vector<std::string> GetUplinks() const override { return Strings(Read("VirtualSwitch::GetUplinks"), "uplinks"); }
+    std::vector<std::string> GetUplinks() const override {
+        return Strings(Read("VirtualSwitch::GetUplinks"), "uplinks");
+    }
     std::vector<std::string> GetPortGroups() const override {
         return Strings(Read("VirtualSwitch::GetPortGroups"), "portGroups");
     }
-    uint32_t GetNumPorts() const override { return Read("VirtualSwitch::GetNumPorts").value("numPorts", 0u); }
-    uint32_t GetUsedPorts() const override { return Read("VirtualSwitch::GetUsedPorts").value("usedPorts", 0u); }
+    uint32_t GetNumPorts() const override {
+        return Read("VirtualSwitch::GetNumPorts").value("numPorts", 0u);
+    }
+    uint32_t GetUsedPorts() const override {
+        return Read("VirtualSwitch::GetUsedPorts").value("usedPorts", 0u);
+    }
     uint32_t GetConfiguredPorts() const override {
         return Read("VirtualSwitch::GetConfiguredPorts").value("configuredPorts", 0u);
     }
@@ -292,10 +334,12 @@ public:
     void AddUplink(const std::string& uplink, bool teaming) override;
     void RemoveUplink(const std::string& uplink, bool teaming) override;
     KN::NicTeamingPolicy GetTeamingPolicy() const override {
-        return TeamingFrom(Read("VirtualSwitch::GetTeamingPolicy").value("teaming", json::object()));
+        return TeamingFrom(
+            Read("VirtualSwitch::GetTeamingPolicy").value("teaming", json::object()));
     }
     void SetTeamingPolicy(const KN::NicTeamingPolicy& policy) override {
-        Change("VirtualSwitch::SetTeamingPolicy", [&](json&, json& sw) { TeamingInto(sw["teaming"], policy); });
+        Change("VirtualSwitch::SetTeamingPolicy",
+               [&](json&, json& sw) { TeamingInto(sw["teaming"], policy); });
     }
 
 private:
@@ -321,17 +365,22 @@ public:
     std::string GetName() const override { return name_; }
     std::vector<std::string> GetUplinks() const override {
         std::vector<std::string> names;
-        for (const auto& [name, port] : GetUplinkPorts()) names.push_back(name);
+        for (const auto& [name, port] : GetUplinkPorts())
+            names.push_back(name);
         return names;
     }
-    std::string GetFabricId() const override { return Text(Read("FabricSwitch::GetFabricId"), "id"); }
+    std::string GetFabricId() const override {
+        return Text(Read("FabricSwitch::GetFabricId"), "id");
+    }
     std::map<std::string, KN::FabricPortParam> GetUplinkPorts() const override {
         const json fabric = Read("FabricSwitch::GetUplinkPorts");
         std::map<std::string, KN::FabricPortParam> ports;
         const json uplinks = fabric.value("uplinks", json::object());
-        if (!uplinks.is_object()) return ports;
+        if (!uplinks.is_object())
+            return ports;
         for (auto it = uplinks.begin(); it != uplinks.end(); ++it)
-            ports[it.key()] = KN::FabricPortParam{Text(fabric, "id"), Text(it.value(), "portId"), 0};
+            ports[it.key()] =
+                KN::FabricPortParam{Text(fabric, "id"), Text(it.value(), "portId"), 0};
         return ports;
     }
     KN::FabricPort* GetFabricPort(const std::string& portId) const override;
@@ -344,27 +393,35 @@ public:
             uplinks.erase(uplink);
         });
     }
-    bool IsZephoraFabric() const override { return Read("FabricSwitch::IsZephoraFabric").value("lanyxOwned", false); }
+    bool IsZephoraFabric() const override {
+        return Read("FabricSwitch::IsZephoraFabric").value("lanyxOwned", false);
+    }
 
 private:
-    json Read(const char* operation) const { return Require(StateFor({operation}), "fabrics", name_, "Fabric"); }
+    json Read(const char* operation) const {
+        return Require(StateFor({operation}), "fabrics", name_, "Fabric");
+    }
 
     std::string name_;
 };
 
 json* FindPort(json& fabric, const std::string& id) {
     for (json& port : Array(fabric, "ports"))
-        if (Text(port, "id") == id) return &port;
+        if (Text(port, "id") == id)
+            return &port;
     return nullptr;
 }
 
 class SimFabricPort final : public KN::FabricPort {
 public:
-    SimFabricPort(std::string fabric, std::string id) : fabric_(std::move(fabric)), id_(std::move(id)) {}
+    SimFabricPort(std::string fabric, std::string id)
+        : fabric_(std::move(fabric)), id_(std::move(id)) {}
 
     int GetConnecteeType() const override { return KN::CONNECTEE_FABRIC_PORT; }
     std::string GetPortsetName() const override { return fabric_; }
-    std::string GetPortGroupName() const override { return Text(Read("FabricPort::GetPortGroupName"), "portGroup"); }
+    std::string GetPortGroupName() const override {
+        return Text(Read("FabricPort::GetPortGroupName"), "portGroup");
+    }
     KN::Portset* GetPortset() const override { return GetFabric(); }
 
     KN::FabricSwitch* GetFabric() const override {
@@ -372,7 +429,8 @@ public:
         return new SimFabric(fabric_);
     }
     std::string GetFabricId() const override {
-        return Text(Require(StateFor({"FabricPort::GetFabricId"}), "fabrics", fabric_, "Fabric"), "id");
+        return Text(Require(StateFor({"FabricPort::GetFabricId"}), "fabrics", fabric_, "Fabric"),
+                    "id");
     }
     std::string GetFabricPortId() const override {
         Read("FabricPort::GetFabricPortId");
@@ -386,19 +444,27 @@ public:
         return policy;
     }
     void SetVlanPolicy(const KN::FabricPortVlanPolicy& policy) override {
-        if (policy.vlanId > 4095) throw KeelsonException("Invalid VLAN id " + std::to_string(policy.vlanId));
+        if (policy.vlanId > 4095)
+            throw KeelsonException("Invalid VLAN id " + std::to_string(policy.vlanId));
         Change("FabricPort::SetVlanPolicy", [&](json& port) { port["vlan"] = policy.vlanId; });
     }
-    bool GetBlocked() const override { return Read("FabricPort::GetBlocked").value("blocked", false); }
+    bool GetBlocked() const override {
+        return Read("FabricPort::GetBlocked").value("blocked", false);
+    }
     void SetBlocked(bool blocked) override {
         Change("FabricPort::SetBlocked", [&](json& port) { port["blocked"] = blocked; });
     }
-    bool GetTxUplink() const override { return Property("FabricPort::GetTxUplink", "txUplink").get<bool>(); }
-    void SetTxUplink(bool txUplink) override { SetProperty("FabricPort::SetTxUplink", "txUplink", txUplink); }
+    bool GetTxUplink() const override {
+        return Property("FabricPort::GetTxUplink", "txUplink").get<bool>();
+    }
+    void SetTxUplink(bool txUplink) override {
+        SetProperty("FabricPort::SetTxUplink", "txUplink", txUplink);
+    }
     KN::FabricPortTeamPolicy GetTeamingPolicy() const override {
         const json team = Property("FabricPort::GetTeamingPolicy", "teamPolicy");
         KN::FabricPortTeamPolicy policy;
-        if (!team.is_object()) return policy;
+        if (!team.is_object())
+            return policy;
         policy.policy = team.value("policy", 0u);
         policy.notifySwitches = team.value("notifySwitches", uint8_t{0});
         policy.rollingOrder = team.value("rollingOrder", uint8_t{0});
@@ -420,12 +486,17 @@ public:
                      {"active", policy.activeUplinks},
                      {"standby", policy.standbyUplinks}});
     }
-    bool GetIpfixEnabled() const override { return Property("FabricPort::GetIpfixEnabled", "ipfix").get<bool>(); }
-    void SetIpfixEnabled(bool enabled) override { SetProperty("FabricPort::SetIpfixEnabled", "ipfix", enabled); }
+    bool GetIpfixEnabled() const override {
+        return Property("FabricPort::GetIpfixEnabled", "ipfix").get<bool>();
+    }
+    void SetIpfixEnabled(bool enabled) override {
+        SetProperty("FabricPort::SetIpfixEnabled", "ipfix", enabled);
+    }
     KN::FabricPortSecurityPolicy GetSecurityPolicy() const override {
         const json security = Property("FabricPort::GetSecurityPolicy", "security");
         KN::FabricPortSecurityPolicy policy;
-        if (!security.is_object()) return policy;
+        if (!security.is_object())
+            return policy;
         policy.allowPromiscuous = security.value("allowPromiscuous", uint8_t{0});
         policy.macChanges = security.value("macChanges", uint8_t{0});
         policy.forgedTransmits = security.value("forgedTransmits", uint8_t{0});
@@ -438,9 +509,11 @@ public:
                      {"forgedTransmits", policy.forgedTransmits}});
     }
     KN::FabricPortShapingPolicy GetShapingPolicy(bool input) const override {
-        const json shaping = Property("FabricPort::GetShapingPolicy", input ? "shapingIn" : "shapingOut");
+        const json shaping =
+            Property("FabricPort::GetShapingPolicy", input ? "shapingIn" : "shapingOut");
         KN::FabricPortShapingPolicy policy;
-        if (!shaping.is_object()) return policy;
+        if (!shaping.is_object())
+            return policy;
         policy.enabled = shaping.value("enabled", false);
         policy.averageBandwidth = shaping.value("average", uint64_t{0});
         policy.peakBandwidth = shaping.value("peak", uint64_t{0});
@@ -464,26 +537,32 @@ public:
     std::map<std::string, std::string> GetVendorData(int kind) const override {
         std::map<std::string, std::string> data;
         const json all = Property("FabricPort::GetVendorData", "vendorStrings");
-        const json entries = all.is_object() ? all.value(std::to_string(kind), json::object()) : json::object();
+        const json entries =
+            all.is_object() ? all.value(std::to_string(kind), json::object()) : json::object();
         for (auto it = entries.begin(); it != entries.end(); ++it)
-            if (it.value().is_string()) data[it.key()] = it.value().get<std::string>();
+            if (it.value().is_string())
+                data[it.key()] = it.value().get<std::string>();
         return data;
     }
     void SetVendorData(int kind, const std::map<std::string, std::string>& data) override {
-        Change("FabricPort::SetVendorData",
-               [&](json& port) { Object(Object(port, "properties"), "vendorStrings")[std::to_string(kind)] = data; });
+        Change("FabricPort::SetVendorData", [&](json& port) {
+            Object(Object(port, "properties"), "vendorStrings")[std::to_string(kind)] = data;
+        });
     }
     std::map<std::string, std::vector<uint8_t>> GetVendorBinaryData(int kind) const override {
         std::map<std::string, std::vector<uint8_t>> data;
         const json all = Property("FabricPort::GetVendorBinaryData", "vendorBinary");
-        const json entries = all.is_object() ? all.value(std::to_string(kind), json::object()) : json::object();
+        const json entries =
+            all.is_object() ? all.value(std::to_string(kind), json::object()) : json::object();
         for (auto it = entries.begin(); it != entries.end(); ++it)
-            if (it.value().is_array()) data[it.key()] = it.value().get<std::vector<uint8_t>>();
+            if (it.value().is_array())
+                data[it.key()] = it.value().get<std::vector<uint8_t>>();
         return data;
     }
     void SetVendorData(int kind, const std::map<std::string, std::vector<uint8_t>>& data) override {
-        Change("FabricPort::SetVendorData",
-               [&](json& port) { Object(Object(port, "properties"), "vendorBinary")[std::to_string(kind)] = data; });
+        Change("FabricPort::SetVendorData", [&](json& port) {
+            Object(Object(port, "properties"), "vendorBinary")[std::to_string(kind)] = data;
+        });
     }
     std::vector<KN::FabricPortOverlayParam> GetOverlayParams() const override {
         std::vector<KN::FabricPortOverlayParam> params;
@@ -494,21 +573,25 @@ public:
     }
     void SetOverlayParams(const std::vector<KN::FabricPortOverlayParam>& params) override {
         json list = json::array();
-        for (const auto& param : params) list.push_back({{"name", param.name}, {"data", param.data}});
+        for (const auto& param : params)
+            list.push_back({{"name", param.name}, {"data", param.data}});
         SetProperty("FabricPort::SetOverlayParams", "overlayParams", list);
     }
     std::vector<KN::FABRICResPoolCfg> GetResPoolsCfg() const override {
         std::vector<KN::FABRICResPoolCfg> pools;
         const json list = Property("FabricPort::GetResPoolsCfg", "resPools");
         for (const json& entry : list.is_array() ? list : json::array())
-            pools.push_back({Text(entry, "key"), Text(entry, "name"), entry.value("limit", int64_t{-1}),
-                             entry.value("shares", 0)});
+            pools.push_back({Text(entry, "key"), Text(entry, "name"),
+                             entry.value("limit", int64_t{-1}), entry.value("shares", 0)});
         return pools;
     }
     void SetResPoolsCfg(const std::vector<KN::FABRICResPoolCfg>& pools) override {
         json list = json::array();
         for (const auto& pool : pools)
-            list.push_back({{"key", pool.key}, {"name", pool.name}, {"limit", pool.limit}, {"shares", pool.shares}});
+            list.push_back({{"key", pool.key},
+                            {"name", pool.name},
+                            {"limit", pool.limit},
+                            {"shares", pool.shares}});
         SetProperty("FabricPort::SetResPoolsCfg", "resPools", list);
     }
     std::string GetResPoolAssoc() const override {
@@ -536,7 +619,8 @@ private:
     json Read(const char* operation) const {
         json state = StateFor({operation});
         json* port = FindPort(Require(state, "fabrics", fabric_, "Fabric"), id_);
-        if (port == nullptr) throw KeelsonException("Fabric port " + id_ + " not found on " + fabric_);
+        if (port == nullptr)
+            throw KeelsonException("Fabric port " + id_ + " not found on " + fabric_);
         return *port;
     }
     // A property of the port; false when it has none, which every reader takes as its empty value.
@@ -548,7 +632,8 @@ private:
         UpdateState([&](json& state) {
             CheckFault(state, {operation});
             json* port = FindPort(Require(state, "fabrics", fabric_, "Fabric"), id_);
-            if (port == nullptr) throw KeelsonException("Fabric port " + id_ + " not found on " + fabric_);
+            if (port == nullptr)
+                throw KeelsonException("Fabric port " + id_ + " not found on " + fabric_);
             change(*port);
         });
     }
@@ -570,7 +655,9 @@ public:
     explicit SimPortGroup(std::string name) : name_(std::move(name)) {}
 
     int GetConnecteeType() const override { return KN::CONNECTEE_PORTGROUP; }
-    std::string GetPortsetName() const override { return Text(Read("PortGroup::GetPortsetName"), "switch"); }
+    std::string GetPortsetName() const override {
+        return Text(Read("PortGroup::GetPortsetName"), "switch");
+    }
     std::string GetPortGroupName() const override { return name_; }
     KN::Portset* GetPortset() const override { return GetVirtualSwitch(); }
 
@@ -581,9 +668,12 @@ public:
         Require(state, "switches", name, "Standard switch");
         return new SimVirtualSwitch(name);
     }
-    uint16_t GetVlanId() const override { return Read("PortGroup::GetVlanId").value("vlan", uint16_t{0}); }
+    uint16_t GetVlanId() const override {
+        return Read("PortGroup::GetVlanId").value("vlan", uint16_t{0});
+    }
     void SetVlanId(uint16_t vlanId) override {
-        if (vlanId > 4095) throw KeelsonException("Invalid VLAN id " + std::to_string(vlanId));
+        if (vlanId > 4095)
+            throw KeelsonException("Invalid VLAN id " + std::to_string(vlanId));
         Change("PortGroup::SetVlanId", [&](json& group) { group["vlan"] = vlanId; });
     }
     uint32_t GetActiveClients() const override {
@@ -593,11 +683,14 @@ public:
         return TeamingFrom(Read("PortGroup::GetTeamingPolicy").value("teaming", json::object()));
     }
     void SetTeamingPolicy(const KN::NicTeamingPolicy& policy) override {
-        Change("PortGroup::SetTeamingPolicy", [&](json& group) { TeamingInto(group["teaming"], policy); });
+        Change("PortGroup::SetTeamingPolicy",
+               [&](json& group) { TeamingInto(group["teaming"], policy); });
     }
 
 private:
-    json Read(const char* operation) const { return Require(StateFor({operation}), "portGroups", name_, "Port group"); }
+    json Read(const char* operation) const {
+        return Require(StateFor({operation}), "portGroups", name_, "Port group");
+    }
     void Change(const char* operation, const std::function<void(json&)>& change) {
         UpdateState([&](json& state) {
             CheckFault(state, {operation});
@@ -611,14 +704,19 @@ private:
 KN::PortGroup* SimVirtualSwitch::AddPortGroup(const std::string& name) {
     UpdateState([&](json& state) {
         CheckFault(state, {"VirtualSwitch::AddPortGroup"});
-        if (name.empty()) throw KeelsonException("Invalid port group name");
+        if (name.empty())
+            throw KeelsonException("Invalid port group name");
         json& sw = Require(state, "switches", name_, "Standard switch");
         if (Named(Array(state, "portGroups"), name) != nullptr)
             throw KeelsonException("A port group named " + name + " already exists");
         Array(sw, "portGroups").push_back(name);
         json teaming = sw.value("teaming", NewTeaming());
         Array(state, "portGroups")
-            .push_back({{"name", name}, {"switch", name_}, {"vlan", 0}, {"activeClients", 0}, {"teaming", teaming}});
+            .push_back({{"name", name},
+                        {"switch", name_},
+                        {"vlan", 0},
+                        {"activeClients", 0},
+                        {"teaming", teaming}});
     });
     return new SimPortGroup(name);
 }
@@ -626,10 +724,12 @@ KN::PortGroup* SimVirtualSwitch::AddPortGroup(const std::string& name) {
 // The switch or fabric that holds the NIC as an uplink, or empty.
 std::string UplinkHolder(json& state, const std::string& uplink) {
     for (json& sw : Array(state, "switches"))
-        if (HasString(sw.value("uplinks", json::array()), uplink)) return Text(sw, "name");
+        if (HasString(sw.value("uplinks", json::array()), uplink))
+            return Text(sw, "name");
     for (json& fabric : Array(state, "fabrics")) {
         const json uplinks = fabric.value("uplinks", json::object());
-        if (uplinks.is_object() && uplinks.contains(uplink)) return Text(fabric, "name");
+        if (uplinks.is_object() && uplinks.contains(uplink))
+            return Text(fabric, "name");
     }
     return {};
 }
@@ -638,12 +738,14 @@ void SimVirtualSwitch::AddUplink(const std::string& uplink, bool teaming) {
     Change("VirtualSwitch::AddUplink", [&](json& state, json& sw) {
         Require(state, "pnics", uplink, "Physical NIC");
         const std::string holder = UplinkHolder(state, uplink);
-        if (!holder.empty()) throw KeelsonException("Uplink " + uplink + " is already in use by " + holder);
+        if (!holder.empty())
+            throw KeelsonException("Uplink " + uplink + " is already in use by " + holder);
         Array(sw, "uplinks").push_back(uplink);
         sw["usedPorts"] = sw.value("usedPorts", 0) + 1;
         if (teaming) {
             json& order = Array(Object(sw, "teaming"), "uplinkOrder");
-            if (!HasString(order, uplink)) order.push_back(uplink);
+            if (!HasString(order, uplink))
+                order.push_back(uplink);
         }
     });
 }
@@ -653,10 +755,12 @@ void SimVirtualSwitch::RemoveUplink(const std::string& uplink, bool teaming) {
         (void)state;
         json& uplinks = Array(sw, "uplinks");
         if (!HasString(uplinks, uplink))
-            throw KeelsonException("Uplink " + uplink + " is not attached to standard switch " + name_);
+            throw KeelsonException("Uplink " + uplink + " is not attached to standard switch " +
+                                   name_);
         RemoveString(uplinks, uplink);
         sw["usedPorts"] = std::max(0, sw.value("usedPorts", 1) - 1);
-        if (teaming) RemoveString(Array(Object(sw, "teaming"), "uplinkOrder"), uplink);
+        if (teaming)
+            RemoveString(Array(Object(sw, "teaming"), "uplinkOrder"), uplink);
     });
 }
 
@@ -692,18 +796,23 @@ void TesselNicImpl::Refresh() {
 }
 
 void TesselNicImpl::RefreshIfStale() {
-    if (stale_) Refresh();
+    if (stale_)
+        Refresh();
     stale_ = false;
 }
 
 KN::ConnectionPoint* TesselNicImpl::GetConnectionPoint() const {
     const json state = StateFor({"TesselNicImpl::GetConnectionPoint"});
     const json connection = Interface(state, name_).value("connection", json());
-    if (!connection.is_object()) return nullptr;
+    if (!connection.is_object())
+        return nullptr;
     const std::string type = Text(connection, "type");
-    if (type == "portgroup") return new SimPortGroup(Text(connection, "portGroup"));
-    if (type == "fabric") return new SimFabricPort(Text(connection, "fabric"), Text(connection, "portId"));
-    if (type == "opaque") return new SimPlainPoint(KN::CONNECTEE_OPAQUE);
+    if (type == "portgroup")
+        return new SimPortGroup(Text(connection, "portGroup"));
+    if (type == "fabric")
+        return new SimFabricPort(Text(connection, "fabric"), Text(connection, "portId"));
+    if (type == "opaque")
+        return new SimPlainPoint(KN::CONNECTEE_OPAQUE);
     return new SimPlainPoint(KN::CONNECTEE_NONE);
 }
 
@@ -713,10 +822,13 @@ std::string TesselNicImpl::GetInterfaceName() const {
     return name_;
 }
 
-std::string TesselNicImpl::GetName() const { return name_; }
+std::string TesselNicImpl::GetName() const {
+    return name_;
+}
 
 KN::MacAddress TesselNicImpl::GetMacAddress() const {
-    return KN::MacAddress(Text(Interface(StateFor({"TesselNicImpl::GetMacAddress"}), name_), "mac"));
+    return KN::MacAddress(
+        Text(Interface(StateFor({"TesselNicImpl::GetMacAddress"}), name_), "mac"));
 }
 
 void TesselNicImpl::SetMacAddress(const KN::MacAddress& mac) {
@@ -728,7 +840,8 @@ void TesselNicImpl::SetMacAddress(const KN::MacAddress& mac) {
 }
 
 void TesselNicImpl::SetMacAddressFromPnic(KN::Pnic* pnic) {
-    if (pnic == nullptr) throw KeelsonException("No physical NIC given");
+    if (pnic == nullptr)
+        throw KeelsonException("No physical NIC given");
     const std::string pnicName = pnic->GetName();
     UpdateState([&](json& state) {
         CheckFault(state, {"TesselNicImpl::SetMacAddressFromPnic"});
@@ -752,7 +865,8 @@ void TesselNicImpl::Enable() {
             TakeLease(state, nic);
         }
         json& ipv6 = Object(nic, "ipv6");
-        if (ipv6.value("dhcp", false)) ipv6["renewals"] = ipv6.value("renewals", 0) + 1;
+        if (ipv6.value("dhcp", false))
+            ipv6["renewals"] = ipv6.value("renewals", 0) + 1;
         HostSim::Platform::RecordCall(state, "TesselNicImpl::Enable", name_);
     });
     stale_ = true;
@@ -780,19 +894,24 @@ void TesselNicImpl::ConnectTo(const KN::ConnectionPoint& point, bool) {
     if (type == KN::CONNECTEE_PORTGROUP) {
         connection = {{"type", "portgroup"}, {"portGroup", point.GetPortGroupName()}};
     } else if (const auto* port = dynamic_cast<const KN::FabricPort*>(&point)) {
-        connection = {{"type", "fabric"}, {"fabric", point.GetPortsetName()}, {"portId", port->GetFabricPortId()}};
+        connection = {{"type", "fabric"},
+                      {"fabric", point.GetPortsetName()},
+                      {"portId", port->GetFabricPortId()}};
     } else {
-        throw KeelsonException("Cannot connect " + name_ + " to a connectee of type " + std::to_string(type));
+        throw KeelsonException("Cannot connect " + name_ + " to a connectee of type " +
+                               std::to_string(type));
     }
     UpdateState([&](json& state) {
         CheckFault(state, {"TesselNicImpl::ConnectTo"});
         json& nic = Interface(state, name_);
         if (type == KN::CONNECTEE_PORTGROUP) {
-            json& target = Require(state, "portGroups", Text(connection, "portGroup"), "Port group");
+            json& target =
+                Require(state, "portGroups", Text(connection, "portGroup"), "Port group");
             target["activeClients"] = target.value("activeClients", 0) + 1;
         } else {
             const std::string id = Text(connection, "portId");
-            if (FindPort(Require(state, "fabrics", Text(connection, "fabric"), "Fabric"), id) == nullptr)
+            if (FindPort(Require(state, "fabrics", Text(connection, "fabric"), "Fabric"), id) ==
+                nullptr)
                 throw KeelsonException("Fabric port " + id + " not found");
         }
         const json old = nic.value("connection", json::object());
@@ -852,7 +971,8 @@ void TesselNicImpl::RenewDhcp() {
         json& nic = Interface(state, name_);
         json& ipv4 = Object(nic, "ipv4");
         ipv4["renewals"] = ipv4.value("renewals", 0) + 1;
-        if (Text(ipv4, "mode") == "dhcp") TakeLease(state, nic);
+        if (Text(ipv4, "mode") == "dhcp")
+            TakeLease(state, nic);
         HostSim::Platform::RecordCall(state, "TesselNicImpl::RenewDhcp", name_);
     });
     stale_ = true;
@@ -872,11 +992,17 @@ void TesselNicImpl::RenewDhcp6() {
 
 PnicImpl::PnicImpl(std::string name) : name_(std::move(name)) {}
 
-std::string PnicImpl::GetName() const { return name_; }
+std::string PnicImpl::GetName() const {
+    return name_;
+}
 
-KN::MacAddress PnicImpl::GetMacAddress() const { return mac_; }
+KN::MacAddress PnicImpl::GetMacAddress() const {
+    return mac_;
+}
 
-bool PnicImpl::GetLinkState() const { return link_; }
+bool PnicImpl::GetLinkState() const {
+    return link_;
+}
 
 void PnicImpl::Refresh() {
     const json nic = Require(StateFor({"PnicImpl::Refresh"}), "pnics", name_, "Physical NIC");
@@ -887,19 +1013,23 @@ void PnicImpl::Refresh() {
 KN::PciDevice* PnicImpl::GetPciDevice() const {
     const json nic = Require(StateFor({"PnicImpl::GetPciDevice"}), "pnics", name_, "Physical NIC");
     auto label = nic.find("pciLabel");
-    if (label == nic.end() || !label->is_string()) return nullptr;
+    if (label == nic.end() || !label->is_string())
+        return nullptr;
     return new SimPciDevice(name_);
 }
 
 // ---- NetworkInfoImpl
 
-void NetworkInfoImpl::UpdateManagementInterface() { StateFor({"NetworkInfoImpl::UpdateManagementInterface"}); }
+void NetworkInfoImpl::UpdateManagementInterface() {
+    StateFor({"NetworkInfoImpl::UpdateManagementInterface"});
+}
 
 KN::NetworkInterface* NetworkInfoImpl::GetManagementInterface() const {
     const json state = StateFor({"NetworkInfoImpl::GetManagementInterface"});
     const json network = state.value("network", json::object());
     const std::string name = Text(network, "managementInterface");
-    if (name.empty() || Named(network.value("interfaces", json::array()), name) == nullptr) return nullptr;
+    if (name.empty() || Named(network.value("interfaces", json::array()), name) == nullptr)
+        return nullptr;
     return new TesselNicImpl(name);
 }
 
@@ -924,7 +1054,9 @@ std::vector<std::unique_ptr<KN::PortGroup>> NetworkInfoImpl::GetAllPortGroups(in
 }
 
 bool NetworkInfoImpl::IsTesselIpv6Enabled() const {
-    return StateFor({"NetworkInfoImpl::IsTesselIpv6Enabled"}).value("network", json::object()).value("ipv6Enabled", false);
+    return StateFor({"NetworkInfoImpl::IsTesselIpv6Enabled"})
+        .value("network", json::object())
+        .value("ipv6Enabled", false);
 }
 
 void NetworkInfoImpl::SetTesselIpv6Enabled(bool enabled) {
@@ -949,7 +1081,8 @@ void NetworkInfoImpl::ClearNetworkConfig() {
         network["interfaces"] = json::array();
         network["gateway"] = "";
         network["ipv6Gateway"] = "";
-        network["dns"] = {{"servers", json::array()}, {"searchDomains", json::array()}, {"dhcp", false}};
+        network["dns"] = {
+            {"servers", json::array()}, {"searchDomains", json::array()}, {"dhcp", false}};
         state["switches"] = json::array();
         state["portGroups"] = json::array();
         state["fabrics"] = json::array();
@@ -961,30 +1094,44 @@ void NetworkInfoImpl::AutoConfigNetwork() {
     UpdateState([&](json& state) {
         CheckFault(state, {"NetworkInfoImpl::AutoConfigNetwork"});
         const json pnics = state.value("pnics", json::array());
-        if (!pnics.is_array() || pnics.empty()) throw KeelsonException("No physical NIC to configure the network on");
+        if (!pnics.is_array() || pnics.empty())
+            throw KeelsonException("No physical NIC to configure the network on");
         const std::string uplink = Text(pnics[0], "name");
         json teaming = NewTeaming();
         teaming["uplinkOrder"] = {uplink};
         teaming["maxActiveUplinks"] = 1;
         Array(state, "switches")
-            .push_back({{"name", "switch0"}, {"uplinks", {uplink}}, {"portGroups", {"Management Network"}},
-                        {"numPorts", KN::Portset::DEF_NUM_PORTS}, {"usedPorts", 2},
-                        {"configuredPorts", KN::Portset::DEF_NUM_PORTS}, {"mtu", 1500}, {"teaming", teaming}});
+            .push_back({{"name", "switch0"},
+                        {"uplinks", {uplink}},
+                        {"portGroups", {"Management Network"}},
+                        {"numPorts", KN::Portset::DEF_NUM_PORTS},
+                        {"usedPorts", 2},
+                        {"configuredPorts", KN::Portset::DEF_NUM_PORTS},
+                        {"mtu", 1500},
+                        {"teaming", teaming}});
         Array(state, "portGroups")
-            .push_back({{"name", "Management Network"}, {"switch", "switch0"}, {"vlan", 0}, {"activeClients", 1},
+            .push_back({{"name", "Management Network"},
+                        {"switch", "switch0"},
+                        {"vlan", 0},
+                        {"activeClients", 1},
                         {"teaming", teaming}});
         json& network = Object(state, "network");
         Array(network, "interfaces")
-            .push_back({{"name", "tnic0"},
-                        {"mac", Text(pnics[0], "mac")},
-                        {"enabled", true},
-                        {"mtu", 1500},
-                        {"connection", {{"type", "portgroup"}, {"portGroup", "Management Network"}}},
-                        {"ipv4",
-                         {{"mode", "dhcp"}, {"address", "0.0.0.0"}, {"netmask", "0.0.0.0"},
-                          {"configuredAddress", "0.0.0.0"}, {"configuredNetmask", "0.0.0.0"},
-                          {"dhcpServer", "0.0.0.0"}, {"dhcpBound", false}}},
-                        {"ipv6", {{"dhcp", false}, {"autoconf", true}, {"addresses", json::array()}}}});
+            .push_back(
+                {{"name", "tnic0"},
+                 {"mac", Text(pnics[0], "mac")},
+                 {"enabled", true},
+                 {"mtu", 1500},
+                 {"connection", {{"type", "portgroup"}, {"portGroup", "Management Network"}}},
+                 {"ipv4",
+                  {{"mode", "dhcp"},
+                   {"address", "0.0.0.0"},
+                   {"netmask", "0.0.0.0"},
+                   {"configuredAddress", "0.0.0.0"},
+                   {"configuredNetmask", "0.0.0.0"},
+                   {"dhcpServer", "0.0.0.0"},
+                   {"dhcpBound", false}}},
+                 {"ipv6", {{"dhcp", false}, {"autoconf", true}, {"addresses", json::array()}}}});
         network["managementInterface"] = "tnic0";
         Object(network, "dns")["dhcp"] = true;
         // A DHCP server on the wire answers the new interface at once.
@@ -1005,12 +1152,14 @@ void NetworkInfoImpl::AutoConfigNetwork() {
 std::vector<std::unique_ptr<KN::NetworkInterface>> TesselNicInfoImpl::GetTesselNics(int) const {
     const json state = StateFor({"TesselNicInfoImpl::GetTesselNics"});
     std::vector<std::unique_ptr<KN::NetworkInterface>> nics;
-    for (const json& nic : state.value("network", json::object()).value("interfaces", json::array()))
+    for (const json& nic :
+         state.value("network", json::object()).value("interfaces", json::array()))
         nics.push_back(std::make_unique<TesselNicImpl>(Text(nic, "name")));
     return nics;
 }
 
-std::vector<std::unique_ptr<KN::VirtualSwitch>> VirtualSwitchInfoImpl::GetVirtualSwitches(int) const {
+std::vector<std::unique_ptr<KN::VirtualSwitch>>
+VirtualSwitchInfoImpl::GetVirtualSwitches(int) const {
     const json state = StateFor({"VirtualSwitchInfoImpl::GetVirtualSwitches"});
     std::vector<std::unique_ptr<KN::VirtualSwitch>> switches;
     for (const json& sw : state.value("switches", json::array()))
@@ -1026,15 +1175,23 @@ std::vector<std::unique_ptr<KN::FabricSwitch>> VirtualSwitchInfoImpl::GetFabricS
     return fabrics;
 }
 
-KN::VirtualSwitch* VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& name, uint32_t numPorts) {
+KN::VirtualSwitch* VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& name,
+                                                           uint32_t numPorts) {
     UpdateState([&](json& state) {
         CheckFault(state, {"VirtualSwitchInfoImpl::AddVirtualSwitch"});
-        if (name.empty()) throw KeelsonException("Invalid virtual switch name");
-        if (Named(Array(state, "switches"), name) != nullptr || Named(Array(state, "fabrics"), name) != nullptr)
+        if (name.empty())
+            throw KeelsonException("Invalid virtual switch name");
+        if (Named(Array(state, "switches"), name) != nullptr ||
+            Named(Array(state, "fabrics"), name) != nullptr)
             throw KeelsonException("A virtual switch named " + name + " already exists");
         Array(state, "switches")
-            .push_back({{"name", name}, {"uplinks", json::array()}, {"portGroups", json::array()},
-                        {"numPorts", numPorts}, {"usedPorts", 0}, {"configuredPorts", numPorts}, {"mtu", 1500},
+            .push_back({{"name", name},
+                        {"uplinks", json::array()},
+                        {"portGroups", json::array()},
+                        {"numPorts", numPorts},
+                        {"usedPorts", 0},
+                        {"configuredPorts", numPorts},
+                        {"mtu", 1500},
                         {"teaming", NewTeaming()}});
     });
     return new SimVirtualSwitch(name);
@@ -1042,7 +1199,8 @@ KN::VirtualSwitch* VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& na
 
 bool PortsetImpl::IsValidVirtualSwitch(const std::string& name) {
     json state = StateFor({"PortsetImpl::IsValidVirtualSwitch"});
-    return Named(Array(state, "switches"), name) != nullptr || Named(Array(state, "fabrics"), name) != nullptr;
+    return Named(Array(state, "switches"), name) != nullptr ||
+           Named(Array(state, "fabrics"), name) != nullptr;
 }
 
 bool PortGroupImpl::IsValidPortGroup(const std::string& name) {
@@ -1050,19 +1208,29 @@ bool PortGroupImpl::IsValidPortGroup(const std::string& name) {
     return Named(Array(state, "portGroups"), name) != nullptr;
 }
 
-KN::FabricPort* FabricPortImpl::CreateFabricPort(const KN::FabricPortParam& param, const std::string& portId) {
+KN::FabricPort* FabricPortImpl::CreateFabricPort(const KN::FabricPortParam& param,
+                                                 const std::string& portId) {
     std::string fabricName;
     UpdateState([&](json& state) {
         CheckFault(state, {"FabricPortImpl::CreateFabricPort"});
-        if (portId.empty()) throw KeelsonException("Invalid fabric port id");
+        if (portId.empty())
+            throw KeelsonException("Invalid fabric port id");
         json* fabric = nullptr;
         for (json& entry : Array(state, "fabrics"))
-            if (Text(entry, "id") == param.fabricId) fabric = &entry;
-        if (fabric == nullptr) throw KeelsonException("Fabric " + param.fabricId + " not found");
-        if (FindPort(*fabric, portId) != nullptr) throw KeelsonException("Fabric port " + portId + " already exists");
+            if (Text(entry, "id") == param.fabricId)
+                fabric = &entry;
+        if (fabric == nullptr)
+            throw KeelsonException("Fabric " + param.fabricId + " not found");
+        if (FindPort(*fabric, portId) != nullptr)
+            throw KeelsonException("Fabric port " + portId + " already exists");
         Array(*fabric, "ports")
-            .push_back({{"id", portId}, {"name", portId}, {"portGroup", ""}, {"vlan", 0},
-                        {"hostLocal", param.portKind == 1}, {"blocked", false}, {"properties", json::object()}});
+            .push_back({{"id", portId},
+                        {"name", portId},
+                        {"portGroup", ""},
+                        {"vlan", 0},
+                        {"hostLocal", param.portKind == 1},
+                        {"blocked", false},
+                        {"properties", json::object()}});
         fabricName = Text(*fabric, "name");
     });
     return new SimFabricPort(fabricName, portId);

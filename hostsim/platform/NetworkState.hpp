@@ -22,9 +22,10 @@ std::vector<std::string> Strings(const nlohmann::json& object, const char* key);
 nlohmann::json* Named(nlohmann::json& array, const std::string& name);
 const nlohmann::json* Named(const nlohmann::json& array, const std::string& name);
 // The named entry of state[section]; throws KeelsonException("<what> <name> not found").
-nlohmann::json& Require(nlohmann::json& state, const char* section, const std::string& name, const char* what);
-const nlohmann::json& Require(const nlohmann::json& state, const char* section, const std::string& name,
-                              const char* what);
+nlohmann::json& Require(nlohmann::json& state, const char* section, const std::string& name,
+                        const char* what);
+const nlohmann::json& Require(const nlohmann::json& state, const char* section,
+                              const std::string& name, const char* what);
 void RemoveString(nlohmann::json& array, const std::string& text);
 bool HasString(const nlohmann::json& array, const std::string& text);
 // Addresses from the state's text; empty text is the zero address.

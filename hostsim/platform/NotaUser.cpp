@@ -13,7 +13,8 @@ extern "C" {
 int NotaUserLib_Init(void) {
     try {
         nlohmann::json state = HostSim::Platform::ReadState();
-        if (!HostSim::Platform::FaultText(state, "NotaUserLib_Init").empty()) return 5;
+        if (!HostSim::Platform::FaultText(state, "NotaUserLib_Init").empty())
+            return 5;
         return 0;
     } catch (const std::exception&) {
         return 2; // no host to talk to
@@ -21,12 +22,14 @@ int NotaUserLib_Init(void) {
 }
 
 int NotaUserLib_AddNota(const char* format, ...) {
-    if (format == nullptr) return -1;
+    if (format == nullptr)
+        return -1;
     va_list args;
     va_start(args, format);
     std::string text = HostSim::Platform::VFormat(format, args);
     va_end(args);
-    HostSim::Platform::AppendRecord("/var/log/notad.log", HostSim::Platform::Timestamp() + " " + text);
+    HostSim::Platform::AppendRecord("/var/log/notad.log",
+                                    HostSim::Platform::Timestamp() + " " + text);
     return 0;
 }
 

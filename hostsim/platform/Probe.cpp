@@ -13,7 +13,8 @@
 namespace {
 
 // Fills the record of a node; false with a reason when the node or size is wrong.
-bool FillNode(const nlohmann::json& state, ProbeNode node, void* record, size_t size, std::string& reason) {
+bool FillNode(const nlohmann::json& state, ProbeNode node, void* record, size_t size,
+              std::string& reason) {
     if (record == nullptr) {
         reason = "no record given";
         return false;
@@ -27,8 +28,10 @@ bool FillNode(const nlohmann::json& state, ProbeNode node, void* record, size_t 
         const nlohmann::json product = state.value("product", nlohmann::json::object());
         std::string name = product.value("name", "");
         std::string version = product.value("version", "");
-        std::memcpy(&buffer[PROBE_SYSTEM_VERSION_PRODUCT], name.data(), std::min<size_t>(name.size(), 31));
-        std::memcpy(&buffer[PROBE_SYSTEM_VERSION_VERSION], version.data(), std::min<size_t>(version.size(), 31));
+        std::memcpy(&buffer[PROBE_SYSTEM_VERSION_PRODUCT], name.data(),
+                    std::min<size_t>(name.size(), 31));
+        std::memcpy(&buffer[PROBE_SYSTEM_VERSION_VERSION], version.data(),
+                    std::min<size_t>(version.size(), 31));
         uint32_t build = product.value("build", 0u);
         // The kernel's own version text and the build as text, beside the binary build number.
         const std::string kernel = product.value("kernelVersion", version);
@@ -45,7 +48,8 @@ bool FillNode(const nlohmann::json& state, ProbeNode node, void* record, size_t 
             return false;
         }
         unsigned char value[4] = {0, 0, 0, 0};
-        value[0] = state.value("bootOption", nlohmann::json::object()).value("auditMode", false) ? 1 : 0;
+        value[0] =
+            state.value("bootOption", nlohmann::json::object()).value("auditMode", false) ? 1 : 0;
         std::memcpy(record, value, sizeof value);
         return true;
     }

@@ -37,7 +37,8 @@ void AppendRecord(const std::string& hostPath, std::string text) {
     int saved = errno;
     // A record is one line: embedded newlines would split it.
     for (char& c : text) {
-        if (c == '\n') c = ' ';
+        if (c == '\n')
+            c = ' ';
     }
     text.push_back('\n');
     int fd = ::open(HostFile(hostPath).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);

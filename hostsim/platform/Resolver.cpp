@@ -2,8 +2,8 @@
 // getaddrinfo and freeaddrinfo in any program linked with this library: a name is looked up in
 // the root's "/etc/hosts" first, then in the records of the host's name servers, which answer only
 // while one of them is reachable (the ping list). Nothing asks the machine's own resolver.
-#include <netdb.h>
 #include <arpa/inet.h>
+#include <netdb.h>
 #include <netinet/in.h>
 
 #include <cstdlib>
@@ -19,7 +19,9 @@ namespace {
 
 using nlohmann::json;
 
-bool SameName(const std::string& a, const std::string& b) { return ::strcasecmp(a.c_str(), b.c_str()) == 0; }
+bool SameName(const std::string& a, const std::string& b) {
+    return ::strcasecmp(a.c_str(), b.c_str()) == 0;
+}
 
 std::vector<std::string> FromHostsFile(const std::string& name) {
     std::vector<std::string> addresses;
@@ -39,9 +41,11 @@ std::vector<std::string> FromHostsFile(const std::string& name) {
 }
 
 bool Listed(const json& array, const std::string& text) {
-    if (!array.is_array()) return false;
+    if (!array.is_array())
+        return false;
     for (const json& entry : array)
-        if (entry.is_string() && entry.get<std::string>() == text) return true;
+        if (entry.is_string() && entry.get<std::string>() == text)
+            return true;
     return false;
 }
 
@@ -57,20 +61,25 @@ int FromNameServers(const std::string& name, std::vector<std::string>& addresses
     const json reachable = state.value("ping", json::object()).value("reachable", json::array());
     bool answering = false;
     for (const json& server : dns.value("servers", json::array()))
-        answering = answering || (server.is_string() && Listed(reachable, server.get<std::string>()));
-    if (!answering) return EAI_AGAIN;
+        answering =
+            answering || (server.is_string() && Listed(reachable, server.get<std::string>()));
+    if (!answering)
+        return EAI_AGAIN;
 
     std::vector<std::string> candidates = {name};
     if (name.find('.') == std::string::npos) {
         for (const json& domain : dns.value("searchDomains", json::array()))
-            if (domain.is_string()) candidates.push_back(name + "." + domain.get<std::string>());
+            if (domain.is_string())
+                candidates.push_back(name + "." + domain.get<std::string>());
     }
     const json records = dns.value("records", json::object());
     for (const std::string& candidate : candidates) {
         for (const auto& [recordName, list] : records.items()) {
-            if (!SameName(recordName, candidate) || !list.is_array()) continue;
+            if (!SameName(recordName, candidate) || !list.is_array())
+                continue;
             for (const json& address : list)
-                if (address.is_string()) addresses.push_back(address.get<std::string>());
+                if (address.is_string())
+                    addresses.push_back(address.get<std::string>());
             return 0;
         }
     }
@@ -81,9 +90,11 @@ addrinfo* NewEntry(const std::string& text, int socktype) {
     in_addr v4{};
     in6_addr v6{};
     const bool isV4 = ::inet_pton(AF_INET, text.c_str(), &v4) == 1;
-    if (!isV4 && ::inet_pton(AF_INET6, text.c_str(), &v6) != 1) return nullptr;
+    if (!isV4 && ::inet_pton(AF_INET6, text.c_str(), &v6) != 1)
+        return nullptr;
     auto* entry = static_cast<addrinfo*>(std::calloc(1, sizeof(addrinfo) + sizeof(sockaddr_in6)));
-    if (entry == nullptr) return nullptr;
+    if (entry == nullptr)
+        return nullptr;
     auto* storage = reinterpret_cast<char*>(entry + 1);
     entry->ai_socktype = socktype;
     entry->ai_addr = reinterpret_cast<sockaddr*>(storage);
@@ -116,20 +127,25 @@ extern "C" void freeaddrinfo(addrinfo* list) noexcept {
     }
 }
 
-extern "C" int getaddrinfo(const char* node, const char* /*service*/, const addrinfo* hints, addrinfo** result) {
-    if (result == nullptr) return EAI_SYSTEM;
+extern "C" int getaddrinfo(const char* node, const char* /*service*/, const addrinfo* hints,
+                           addrinfo** result) {
+    if (result == nullptr)
+        return EAI_SYSTEM;
     *result = nullptr;
-    if (node == nullptr || *node == '\0') return EAI_NONAME;
+    if (node == nullptr || *node == '\0')
+        return EAI_NONAME;
     const std::string name = node;
     const int family = hints != nullptr ? hints->ai_family : AF_UNSPEC;
     const int socktype = hints != nullptr ? hints->ai_socktype : 0;
 
     std::vector<std::string> addresses = FromHostsFile(name);
     in6_addr literal{};
-    if (addresses.empty() && (::inet_pton(AF_INET, node, &literal) == 1 || ::inet_pton(AF_INET6, node, &literal) == 1))
+    if (addresses.empty() &&
+        (::inet_pton(AF_INET, node, &literal) == 1 || ::inet_pton(AF_INET6, node, &literal) == 1))
         addresses.push_back(name);
     if (addresses.empty()) {
-        if (const int status = FromNameServers(name, addresses); status != 0) return status;
+        if (const int status = FromNameServers(name, addresses); status != 0)
+            return status;
     }
 
     addrinfo** tail = result;
@@ -142,7 +158,8 @@ extern "C" int getaddrinfo(const char* node, const char* /*service*/, const addr
         *tail = entry;
         tail = &entry->ai_next;
     }
-    if (*result == nullptr) return EAI_NONAME;
+    if (*result == nullptr)
+        return EAI_NONAME;
     if (hints != nullptr && (hints->ai_flags & AI_CANONNAME) != 0) {
         (*result)->ai_canonname = ::strdup(node);
         if ((*result)->ai_canonname == nullptr) {

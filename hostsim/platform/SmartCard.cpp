@@ -11,7 +11,8 @@ std::vector<std::string> Strings(const nlohmann::json& token, const char* key) {
     auto it = token.find(key);
     if (it != token.end() && it->is_array()) {
         for (const auto& value : *it) {
-            if (value.is_string()) values.push_back(value.get<std::string>());
+            if (value.is_string())
+                values.push_back(value.get<std::string>());
         }
     }
     return values;
@@ -28,16 +29,20 @@ nlohmann::json Slots(const nlohmann::json& state) {
 std::vector<std::string> SmartCardInfoImpl::GetAllSlots() const {
     nlohmann::json state = HostSim::Platform::StateFor({"SmartCardInfoImpl::GetAllSlots"});
     std::vector<std::string> names;
-    for (const auto& slot : Slots(state)) names.push_back(slot.value("name", ""));
+    for (const auto& slot : Slots(state))
+        names.push_back(slot.value("name", ""));
     return names;
 }
 
-bool SmartCardInfoImpl::GetToken(const std::string& slot, Keelson::Hardware::SmartCardToken& token) const {
+bool SmartCardInfoImpl::GetToken(const std::string& slot,
+                                 Keelson::Hardware::SmartCardToken& token) const {
     nlohmann::json state = HostSim::Platform::StateFor({"SmartCardInfoImpl::GetToken"});
     for (const auto& entry : Slots(state)) {
-        if (entry.value("name", "") != slot) continue;
+        if (entry.value("name", "") != slot)
+            continue;
         auto t = entry.find("token");
-        if (t == entry.end() || !t->is_object()) return false;
+        if (t == entry.end() || !t->is_object())
+            return false;
         token.label = t->value("label", "");
         token.manufacturer = t->value("manufacturer", "");
         token.model = t->value("model", "");

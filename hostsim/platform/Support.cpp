@@ -31,7 +31,8 @@ const char* ProductField(std::string ProductStrings::*field, const char* key) {
         nlohmann::json state = HostSim::Platform::ReadState();
         const nlohmann::json& product = state.value("product", nlohmann::json::object());
         auto it = product.find(key);
-        if (it != product.end()) value = it->is_string() ? it->get<std::string>() : it->dump();
+        if (it != product.end())
+            value = it->is_string() ? it->get<std::string>() : it->dump();
     } catch (const std::exception&) {
         // The support library has no way to report; an empty string is its answer.
     }
@@ -45,9 +46,15 @@ extern "C" {
 
 void Preference_Init(void) {}
 
-const char* ProductState_GetName(void) { return ProductField(&ProductStrings::name, "name"); }
-const char* ProductState_GetVersion(void) { return ProductField(&ProductStrings::version, "version"); }
-const char* ProductState_GetBuildNumberString(void) { return ProductField(&ProductStrings::build, "build"); }
+const char* ProductState_GetName(void) {
+    return ProductField(&ProductStrings::name, "name");
+}
+const char* ProductState_GetVersion(void) {
+    return ProductField(&ProductStrings::version, "version");
+}
+const char* ProductState_GetBuildNumberString(void) {
+    return ProductField(&ProductStrings::build, "build");
+}
 const char* ProductState_GetCompilationOption(void) {
     return ProductField(&ProductStrings::option, "compilationOption");
 }
@@ -59,16 +66,20 @@ void* Log_CfgInterface(void) {
     return &config;
 }
 
-int Log_InitWithSyslogSimpleInt(const char*, void*, const char*) { return 0; }
+int Log_InitWithSyslogSimpleInt(const char*, void*, const char*) {
+    return 0;
+}
 
 int Str_Sprintf(char* buffer, size_t size, const char* format, ...) {
     va_list args;
     va_start(args, format);
     int length = std::vsnprintf(buffer, size, format, args);
     va_end(args);
-    if (length < 0) return length;
+    if (length < 0)
+        return length;
     // The written length: at most what fitted.
-    if (size == 0) return 0;
+    if (size == 0)
+        return 0;
     return static_cast<size_t>(length) < size ? length : static_cast<int>(size - 1);
 }
 
@@ -80,10 +91,12 @@ void ZephAudit_VLog(const char* action, const char* user, const char* service, i
     va_start(args, success);
     for (;;) {
         const char* key = va_arg(args, const char*);
-        if (key == nullptr) break;
+        if (key == nullptr)
+            break;
         const char* value = va_arg(args, const char*);
         line += std::string(" ") + key + "=\"" + (value ? value : "") + "\"";
-        if (value == nullptr) break;
+        if (value == nullptr)
+            break;
     }
     va_end(args);
     HostSim::Platform::AppendRecord("/var/log/audit.log", line);

@@ -33,16 +33,19 @@ LogSettings& Settings() {
 }
 
 const char* LevelName(int level) {
-    static const char* const names[] = {"emerg", "alert", "crit", "err", "warning", "notice", "info", "debug"};
+    static const char* const names[] = {"emerg",   "alert",  "crit", "err",
+                                        "warning", "notice", "info", "debug"};
     return names[level & kLevelMask];
 }
 
 std::string FacilityName(int facility) {
-    static const char* const names[] = {"kern", "user",     "mail", "daemon", "auth", "syslog",
-                                        "lpr",  "news",     "uucp", "cron",   "authpriv", "ftp"};
+    static const char* const names[] = {"kern", "user", "mail", "daemon", "auth",     "syslog",
+                                        "lpr",  "news", "uucp", "cron",   "authpriv", "ftp"};
     int number = facility >> 3;
-    if (number >= 0 && number < 12) return names[number];
-    if (number >= 16 && number <= 23) return "local" + std::to_string(number - 16);
+    if (number >= 0 && number < 12)
+        return names[number];
+    if (number >= 16 && number <= 23)
+        return "local" + std::to_string(number - 16);
     return std::to_string(number);
 }
 
@@ -55,7 +58,8 @@ std::string ExpandErrno(const char* format, int savedErrno) {
             ++p;
         } else if (p[0] == '%' && p[1] == 'm') {
             for (const char* e = std::strerror(savedErrno); *e != '\0'; ++e) {
-                if (*e == '%') out += '%';
+                if (*e == '%')
+                    out += '%';
                 out += *e;
             }
             ++p;
@@ -68,14 +72,19 @@ std::string ExpandErrno(const char* format, int savedErrno) {
 
 void Write(int priority, const char* format, va_list args) {
     int savedErrno = errno;
-    if (format == nullptr) return;
+    if (format == nullptr)
+        return;
     LogSettings& s = Settings();
     std::string ident;
     int facility;
     {
         std::lock_guard<std::mutex> lock(s.mutex);
-        if ((s.mask & (1 << (priority & kLevelMask))) == 0) return;
-        ident = s.identSet ? s.ident : std::string(program_invocation_short_name ? program_invocation_short_name : "");
+        if ((s.mask & (1 << (priority & kLevelMask))) == 0)
+            return;
+        ident =
+            s.identSet
+                ? s.ident
+                : std::string(program_invocation_short_name ? program_invocation_short_name : "");
         facility = (priority & kFacilityMask) != 0 ? (priority & kFacilityMask) : s.facility;
     }
     std::string expanded = ExpandErrno(format, savedErrno);
@@ -90,9 +99,9 @@ void Write(int priority, const char* format, va_list args) {
         message.resize(static_cast<size_t>(length));
     }
     HostSim::Platform::AppendRecord("/var/log/syslog.log",
-                                    HostSim::Platform::Timestamp() + " " + FacilityName(facility) + "." +
-                                        LevelName(priority) + " " + ident + "[" + std::to_string(::getpid()) +
-                                        "]: " + message);
+                                    HostSim::Platform::Timestamp() + " " + FacilityName(facility) +
+                                        "." + LevelName(priority) + " " + ident + "[" +
+                                        std::to_string(::getpid()) + "]: " + message);
     errno = savedErrno;
 }
 
@@ -105,7 +114,8 @@ void openlog(const char* ident, int /*option*/, int facility) {
     std::lock_guard<std::mutex> lock(s.mutex);
     s.identSet = ident != nullptr;
     s.ident = ident != nullptr ? ident : "";
-    if (facility != 0) s.facility = facility & kFacilityMask;
+    if (facility != 0)
+        s.facility = facility & kFacilityMask;
 }
 
 void closelog(void) {
@@ -120,11 +130,14 @@ int setlogmask(int mask) {
     LogSettings& s = Settings();
     std::lock_guard<std::mutex> lock(s.mutex);
     int old = s.mask;
-    if (mask != 0) s.mask = mask;
+    if (mask != 0)
+        s.mask = mask;
     return old;
 }
 
-void vsyslog(int priority, const char* format, va_list args) { Write(priority, format, args); }
+void vsyslog(int priority, const char* format, va_list args) {
+    Write(priority, format, args);
+}
 
 void syslog(int priority, const char* format, ...) {
     va_list args;
@@ -133,7 +146,9 @@ void syslog(int priority, const char* format, ...) {
     va_end(args);
 }
 
-void __vsyslog_chk(int priority, int /*flag*/, const char* format, va_list args) { Write(priority, format, args); }
+void __vsyslog_chk(int priority, int /*flag*/, const char* format, va_list args) {
+    Write(priority, format, args);
+}
 
 void __syslog_chk(int priority, int /*flag*/, const char* format, ...) {
     va_list args;

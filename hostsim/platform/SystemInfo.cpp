@@ -34,7 +34,8 @@ void SystemInfoImpl::SetSystemAlert(const std::string& text) {
     HostSim::Platform::UpdateState([&](json& state) {
         HostSim::Platform::CheckFault(state, {"SystemInfoImpl::SetSystemAlert"});
         json& alerts = state["systemAlerts"];
-        if (!alerts.is_array()) alerts = json::array();
+        if (!alerts.is_array())
+            alerts = json::array();
         alerts.push_back(text);
     });
 }
@@ -47,7 +48,8 @@ std::vector<std::string> SystemInfoImpl::GetKeyboardLayouts() const {
     json keyboard = Section({"SystemInfoImpl::GetKeyboardLayouts"}, "keyboard");
     std::vector<std::string> layouts;
     for (const json& layout : keyboard.value("layouts", json::array())) {
-        if (layout.is_string()) layouts.push_back(layout.get<std::string>());
+        if (layout.is_string())
+            layouts.push_back(layout.get<std::string>());
     }
     return layouts;
 }
@@ -84,7 +86,8 @@ public:
     bool FollowsService() const override {
         json state = HostSim::Platform::StateFor({"FirewallRuleset::FollowsService"});
         const json rulesets = state.value("firewall", json::object());
-        const json ruleset = rulesets.is_object() ? rulesets.value(id_, json::object()) : json::object();
+        const json ruleset =
+            rulesets.is_object() ? rulesets.value(id_, json::object()) : json::object();
         return ruleset.is_object() && ruleset.value("followsService", false);
     }
     void Enable() override { Store("FirewallRuleset::Enable", true); }
@@ -105,7 +108,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Keelson::System::FirewallRuleset> SystemInfoImpl::GetFirewallRulesetById(const std::string& id) const {
+std::unique_ptr<Keelson::System::FirewallRuleset>
+SystemInfoImpl::GetFirewallRulesetById(const std::string& id) const {
     json rulesets = Section({"SystemInfoImpl::GetFirewallRulesetById"}, "firewall");
     if (!rulesets.contains(id) || !rulesets[id].is_object())
         throw Keelson::Lib::KeelsonException("Firewall ruleset " + id + " not found");

@@ -23,7 +23,8 @@ public:
     Fd(const Fd&) = delete;
     Fd& operator=(const Fd&) = delete;
     ~Fd() {
-        if (fd_ >= 0) ::close(fd_);
+        if (fd_ >= 0)
+            ::close(fd_);
     }
     int Get() const { return fd_; }
     int Release() { return std::exchange(fd_, -1); }
@@ -32,7 +33,9 @@ private:
     int fd_;
 };
 
-std::string ErrnoText() { return std::strerror(errno); }
+std::string ErrnoText() {
+    return std::strerror(errno);
+}
 
 std::string Folder(const std::string& path) {
     auto slash = path.rfind('/');
@@ -42,10 +45,13 @@ std::string Folder(const std::string& path) {
 // Holds a flock on <root>/var/lib/hostsim/state.lock for its lifetime.
 class Lock {
 public:
-    Lock(const std::string& lockPath, int operation) : fd_(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
-        if (fd_.Get() < 0) throw StateError("Cannot open state lock " + lockPath + ": " + ErrnoText());
+    Lock(const std::string& lockPath, int operation)
+        : fd_(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
+        if (fd_.Get() < 0)
+            throw StateError("Cannot open state lock " + lockPath + ": " + ErrnoText());
         while (::flock(fd_.Get(), operation) != 0) {
-            if (errno != EINTR) throw StateError("Cannot lock " + lockPath + ": " + ErrnoText());
+            if (errno != EINTR)
+                throw StateError("Cannot lock " + lockPath + ": " + ErrnoText());
         }
     }
 
@@ -56,7 +62,8 @@ private:
 std::string ReadWhole(const std::string& path) {
     Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (fd.Get() < 0) {
-        if (errno == ENOENT) throw StateError("State file " + path + " is missing");
+        if (errno == ENOENT)
+            throw StateError("State file " + path + " is missing");
         throw StateError("Cannot read state file " + path + ": " + ErrnoText());
     }
     std::string text;
@@ -64,24 +71,28 @@ std::string ReadWhole(const std::string& path) {
     for (;;) {
         ssize_t n = ::read(fd.Get(), buffer, sizeof buffer);
         if (n < 0) {
-            if (errno == EINTR) continue;
+            if (errno == EINTR)
+                continue;
             throw StateError("Cannot read state file " + path + ": " + ErrnoText());
         }
-        if (n == 0) break;
+        if (n == 0)
+            break;
         text.append(buffer, static_cast<size_t>(n));
     }
     return text;
 }
 
 nlohmann::json Parse(const std::string& path, const std::string& text) {
-    if (text.empty()) throw StateError("State file " + path + " is empty");
+    if (text.empty())
+        throw StateError("State file " + path + " is empty");
     nlohmann::json document;
     try {
         document = nlohmann::json::parse(text);
     } catch (const nlohmann::json::parse_error& e) {
         throw StateError("State file " + path + " is damaged: " + e.what());
     }
-    if (!document.is_object()) throw StateError("State file " + path + " is damaged: not a JSON object");
+    if (!document.is_object())
+        throw StateError("State file " + path + " is damaged: not a JSON object");
     return document;
 }
 
@@ -90,7 +101,8 @@ void WriteAll(int fd, const std::string& text, const std::string& path) {
     while (done < text.size()) {
         ssize_t n = ::write(fd, text.data() + done, text.size() - done);
         if (n < 0) {
-            if (errno == EINTR) continue;
+            if (errno == EINTR)
+                continue;
             throw StateError("Cannot write " + path + ": " + ErrnoText());
         }
         done += static_cast<size_t>(n);
@@ -102,12 +114,14 @@ void Replace(const std::string& path, const nlohmann::json& document) {
     const std::string folder = Folder(path);
     std::string tmpl = path + ".XXXXXX";
     Fd fd(::mkstemp(tmpl.data()));
-    if (fd.Get() < 0) throw StateError("Cannot create a temporary file in " + folder + ": " + ErrnoText());
+    if (fd.Get() < 0)
+        throw StateError("Cannot create a temporary file in " + folder + ": " + ErrnoText());
     try {
         WriteAll(fd.Get(), document.dump(2) + "\n", tmpl);
         if (::fchmod(fd.Get(), 0644) != 0 || ::fsync(fd.Get()) != 0)
             throw StateError("Cannot flush " + tmpl + ": " + ErrnoText());
-        if (::close(fd.Release()) != 0) throw StateError("Cannot close " + tmpl + ": " + ErrnoText());
+        if (::close(fd.Release()) != 0)
+            throw StateError("Cannot close " + tmpl + ": " + ErrnoText());
         if (::rename(tmpl.c_str(), path.c_str()) != 0)
             throw StateError("Cannot replace state file " + path + ": " + ErrnoText());
     } catch (...) {
@@ -115,7 +129,8 @@ void Replace(const std::string& path, const nlohmann::json& document) {
         throw;
     }
     Fd dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (dir.Get() >= 0) ::fsync(dir.Get());
+    if (dir.Get() >= 0)
+        ::fsync(dir.Get());
 }
 
 } // namespace
@@ -127,29 +142,36 @@ std::string HostRoot() {
 
 std::string RootPath(const std::string& root, const std::string& hostPath) {
     std::string base = root;
-    while (base.size() > 1 && base.back() == '/') base.pop_back();
-    if (base.empty() || base == "/") return hostPath;
-    if (hostPath.empty() || hostPath.front() != '/') return base + "/" + hostPath;
+    while (base.size() > 1 && base.back() == '/')
+        base.pop_back();
+    if (base.empty() || base == "/")
+        return hostPath;
+    if (hostPath.empty() || hostPath.front() != '/')
+        return base + "/" + hostPath;
     return base + hostPath;
 }
 
 StateStore::StateStore(std::string root) : root_(std::move(root)) {}
 
-std::string StateStore::StatePath() const { return RootPath(root_, "/var/lib/hostsim/state.json"); }
+std::string StateStore::StatePath() const {
+    return RootPath(root_, "/var/lib/hostsim/state.json");
+}
 
 nlohmann::json StateStore::Read() const {
     const std::string path = StatePath();
     // A missing folder means a missing state, not a lock we could create.
-    struct stat st{};
-    if (::stat(Folder(path).c_str(), &st) != 0) throw StateError("State file " + path + " is missing");
+    struct stat st {};
+    if (::stat(Folder(path).c_str(), &st) != 0)
+        throw StateError("State file " + path + " is missing");
     Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_SH);
     return Parse(path, ReadWhole(path));
 }
 
 void StateStore::Update(const std::function<void(nlohmann::json&)>& change) const {
     const std::string path = StatePath();
-    struct stat st{};
-    if (::stat(Folder(path).c_str(), &st) != 0) throw StateError("State file " + path + " is missing");
+    struct stat st {};
+    if (::stat(Folder(path).c_str(), &st) != 0)
+        throw StateError("State file " + path + " is missing");
     Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_EX);
     nlohmann::json document = Parse(path, ReadWhole(path));
     change(document);
@@ -159,8 +181,9 @@ void StateStore::Update(const std::function<void(nlohmann::json&)>& change) cons
 void StateStore::Write(const nlohmann::json& document) const {
     const std::string path = StatePath();
     const std::string folder = Folder(path);
-    struct stat st{};
-    if (::stat(folder.c_str(), &st) != 0) throw StateError("State folder " + folder + " is missing");
+    struct stat st {};
+    if (::stat(folder.c_str(), &st) != 0)
+        throw StateError("State folder " + folder + " is missing");
     Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_EX);
     Replace(path, document);
 }

@@ -13,18 +13,22 @@ constexpr int kRefused = 255;
 // The console's service account is always accepted by the agent.
 const char* const kServiceAccount = "lanyx";
 
-// Users the agent accepts: "hostAgent.users" when the host lists them, else every permitted account.
+// Users the agent accepts: "hostAgent.users" when the host lists them, else every permitted
+// account.
 bool UserAllowed(const nlohmann::json& state, const std::string& user) {
-    if (user == kServiceAccount) return true;
+    if (user == kServiceAccount)
+        return true;
     auto agent = state.find("hostAgent");
     if (agent != state.end() && agent->is_object()) {
         auto users = agent->find("users");
         if (users != agent->end() && users->is_array())
-            return std::any_of(users->begin(), users->end(),
-                               [&](const nlohmann::json& u) { return u.is_string() && u.get<std::string>() == user; });
+            return std::any_of(users->begin(), users->end(), [&](const nlohmann::json& u) {
+                return u.is_string() && u.get<std::string>() == user;
+            });
     }
     auto accounts = state.find("accounts");
-    if (accounts == state.end()) return false;
+    if (accounts == state.end())
+        return false;
     const nlohmann::json* account = FindNamed(*accounts, user);
     return account != nullptr && BoolAt(*account, "permitted", false);
 }
@@ -34,12 +38,14 @@ bool AgentRunning(const nlohmann::json& state) {
     return agent == state.end() ? true : BoolAt(*agent, "running", true);
 }
 
-void PrintBool(bool value) { std::puts(value ? "true" : "false"); }
+void PrintBool(bool value) {
+    std::puts(value ? "true" : "false");
+}
 
 struct ServiceCommand {
     const char* command;
-    const char* service;  // key under "services"
-    const char* field;    // "running" or "enabled"
+    const char* service; // key under "services"
+    const char* field;   // "running" or "enabled"
     bool value;
 };
 
@@ -54,17 +60,22 @@ const ServiceCommand kServiceCommands[] = {
     {"helmnode/disable_ssh", "SSH", "enabled", false},
 };
 
-const char* const kQueries[] = {"helmsvc/auth/lockdown_is_enabled", "helmsvc/auth/lockdown_is_possible"};
+const char* const kQueries[] = {"helmsvc/auth/lockdown_is_enabled",
+                                "helmsvc/auth/lockdown_is_possible"};
 const char* const kRecorded[] = {"helmcore/refresh", "helmnode/autostartmanager/autostop"};
 
 bool Known(const std::string& command) {
     for (const auto& entry : kServiceCommands)
-        if (command == entry.command) return true;
+        if (command == entry.command)
+            return true;
     for (const char* query : kQueries)
-        if (command == query) return true;
+        if (command == query)
+            return true;
     for (const char* recorded : kRecorded)
-        if (command == recorded) return true;
-    return command == "helmsvc/auth/lockdown_mode_enter" || command == "helmsvc/auth/lockdown_mode_exit";
+        if (command == recorded)
+            return true;
+    return command == "helmsvc/auth/lockdown_mode_enter" ||
+           command == "helmsvc/auth/lockdown_mode_exit";
 }
 
 } // namespace
@@ -75,12 +86,15 @@ int Helmq(Context& context) {
         throw UsageError("usage: helmq -U <user> <command>");
     const std::string& user = args[1];
     const std::string& command = args[2];
-    if (user.empty()) throw UsageError("the user name is empty");
-    if (!Known(command)) throw UsageError("unknown command '" + command + "'");
+    if (user.empty())
+        throw UsageError("the user name is empty");
+    if (!Known(command))
+        throw UsageError("unknown command '" + command + "'");
 
     const nlohmann::json state = context.store.Read();
     if (!UserAllowed(state, user))
-        throw ToolFailure("helmq: user '" + user + "' is not allowed to run host agent commands", kRefused);
+        throw ToolFailure("helmq: user '" + user + "' is not allowed to run host agent commands",
+                          kRefused);
     if (!AgentRunning(state))
         throw ToolFailure("helmq: cannot reach the host agent: it is not running", 1);
 
@@ -94,22 +108,27 @@ int Helmq(Context& context) {
     }
 
     context.store.Update([&](nlohmann::json& document) {
-        if (command == "helmsvc/auth/lockdown_mode_enter" || command == "helmsvc/auth/lockdown_mode_exit") {
+        if (command == "helmsvc/auth/lockdown_mode_enter" ||
+            command == "helmsvc/auth/lockdown_mode_exit") {
             nlohmann::json& lockdown = ObjectAt(document, "lockdown");
             const bool enter = command == "helmsvc/auth/lockdown_mode_enter";
-            if (enter && !BoolAt(lockdown, "enabled", false) && !BoolAt(lockdown, "possible", false))
+            if (enter && !BoolAt(lockdown, "enabled", false) &&
+                !BoolAt(lockdown, "possible", false))
                 throw ToolFailure("helmq: lockdown mode is not possible on this host", 1);
             lockdown["enabled"] = enter;
         }
-        if (command == "helmnode/autostartmanager/autostop") ObjectAt(document, "autostartManager")["running"] = false;
+        if (command == "helmnode/autostartmanager/autostop")
+            ObjectAt(document, "autostartManager")["running"] = false;
         for (const auto& entry : kServiceCommands) {
-            if (command != entry.command) continue;
+            if (command != entry.command)
+                continue;
             nlohmann::json& service = ObjectAt(ObjectAt(document, "services"), entry.service);
             service[entry.field] = entry.value;
             // The agent opens and closes the SSH ports with the service; the init script does not.
             if (std::string(entry.service) == "SSH" && std::string(entry.field) == "running") {
                 nlohmann::json& ruleset = ObjectAt(ObjectAt(document, "firewall"), "sshServer");
-                if (BoolAt(ruleset, "followsService", true)) ruleset["enabled"] = entry.value;
+                if (BoolAt(ruleset, "followsService", true))
+                    ruleset["enabled"] = entry.value;
             }
         }
         AddRecord(document, context.name, context.args);

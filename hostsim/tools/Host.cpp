@@ -16,15 +16,18 @@ namespace {
 constexpr long long kMaxPingCount = 100;
 
 void Pause(long long milliseconds) {
-    timespec wait{static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000) * 1000000L};
+    timespec wait{static_cast<time_t>(milliseconds / 1000),
+                  static_cast<long>(milliseconds % 1000) * 1000000L};
     while (::nanosleep(&wait, &wait) != 0 && errno == EINTR) {
     }
 }
 
 bool Contains(const nlohmann::json& array, const std::string& value) {
-    if (!array.is_array()) return false;
+    if (!array.is_array())
+        return false;
     for (const auto& element : array)
-        if (element.is_string() && element.get<std::string>() == value) return true;
+        if (element.is_string() && element.get<std::string>() == value)
+            return true;
     return false;
 }
 
@@ -32,14 +35,16 @@ void RecordPower(Context& context, const std::string& action, const std::string&
     context.store.Update([&](nlohmann::json& state) {
         nlohmann::json& power = ObjectAt(state, "power");
         power["state"] = newState;
-        ArrayAt(power, "history").push_back({{"time", Timestamp()}, {"action", action}, {"args", context.args}});
+        ArrayAt(power, "history")
+            .push_back({{"time", Timestamp()}, {"action", action}, {"args", context.args}});
     });
 }
 
 // What a factory reset puts back when the host keeps no "factory" snapshot of its own.
 void ResetToDefaults(nlohmann::json& state) {
     for (auto& [name, option] : ObjectAt(state, "advancedOptions").items()) {
-        if (option.is_object() && option.contains("default")) option["value"] = option["default"];
+        if (option.is_object() && option.contains("default"))
+            option["value"] = option["default"];
     }
     for (auto& [name, service] : ObjectAt(state, "services").items()) {
         if (service.is_object()) {
@@ -63,24 +68,30 @@ int Power(Context& context) {
             const std::string& option = args[i];
             if (option != "-h" && option != "-P" && option != "-H" && option != "-r")
                 throw UsageError("unknown option '" + option + "'");
-            if (!mode.empty()) throw UsageError("only one of -h, -P, -H and -r may be given");
+            if (!mode.empty())
+                throw UsageError("only one of -h, -P, -H and -r may be given");
             mode = option;
         }
         if (i < args.size()) {
             const std::string& when = args[i];
-            const bool relative = when.size() > 1 && when[0] == '+' && ParseInteger(when.substr(1)).has_value();
-            const bool clock = when.size() == 5 && when[2] == ':' && ParseInteger(when.substr(0, 2)) && ParseInteger(when.substr(3));
-            if (when != "now" && !relative && !clock) throw UsageError("invalid time '" + when + "'");
+            const bool relative =
+                when.size() > 1 && when[0] == '+' && ParseInteger(when.substr(1)).has_value();
+            const bool clock = when.size() == 5 && when[2] == ':' &&
+                               ParseInteger(when.substr(0, 2)) && ParseInteger(when.substr(3));
+            if (when != "now" && !relative && !clock)
+                throw UsageError("invalid time '" + when + "'");
         }
         // Words after the time are the wall message; it has no reader on this host.
         const bool reboot = mode == "-r";
         RecordPower(context, "shutdown", reboot ? "rebooting" : "off");
-        std::puts(reboot ? "The system is going down for reboot NOW!" : "The system is going down for poweroff NOW!");
+        std::puts(reboot ? "The system is going down for reboot NOW!"
+                         : "The system is going down for poweroff NOW!");
         return 0;
     }
 
     Options options(args, 0, {"-d"}, {"-f", "-n"});
-    if (auto delay = options.Value("-d"); delay && (!ParseInteger(*delay) || *ParseInteger(*delay) < 0))
+    if (auto delay = options.Value("-d");
+        delay && (!ParseInteger(*delay) || *ParseInteger(*delay) < 0))
         throw UsageError("invalid delay '" + *delay + "'");
     const bool reboot = context.name == "reboot";
     RecordPower(context, context.name, reboot ? "rebooting" : "off");
@@ -106,7 +117,8 @@ int HaltGuests(Context& context) {
     return 0;
 }
 
-// tesselping -c <count> [-I <interface>] <address>: 0 only when the host lists the address as reachable.
+// tesselping -c <count> [-I <interface>] <address>: 0 only when the host lists the address as
+// reachable.
 int TesselPing(Context& context) {
     std::string count, interface, address;
     const auto& args = context.args;
@@ -114,8 +126,10 @@ int TesselPing(Context& context) {
         const std::string& word = args[i];
         if (word == "-c" || word == "-I") {
             std::string& target = word == "-c" ? count : interface;
-            if (!target.empty()) throw UsageError("option " + word + " given twice");
-            if (i + 1 >= args.size() || args[i + 1].empty()) throw UsageError("option " + word + " needs a value");
+            if (!target.empty())
+                throw UsageError("option " + word + " given twice");
+            if (i + 1 >= args.size() || args[i + 1].empty())
+                throw UsageError("option " + word + " needs a value");
             target = args[++i];
         } else if (word.empty() || word[0] == '-' || !address.empty()) {
             throw UsageError("unexpected argument '" + word + "'");
@@ -123,10 +137,13 @@ int TesselPing(Context& context) {
             address = word;
         }
     }
-    if (address.empty()) throw UsageError("usage: tesselping -c <count> [-I <interface>] <address>");
-    if (count.empty()) throw UsageError("option -c is required");
+    if (address.empty())
+        throw UsageError("usage: tesselping -c <count> [-I <interface>] <address>");
+    if (count.empty())
+        throw UsageError("option -c is required");
     const auto packets = ParseInteger(count);
-    if (!packets || *packets < 1 || *packets > kMaxPingCount) throw UsageError("invalid count '" + count + "'");
+    if (!packets || *packets < 1 || *packets > kMaxPingCount)
+        throw UsageError("invalid count '" + count + "'");
 
     const nlohmann::json state = context.store.Read();
     if (!interface.empty()) {
@@ -141,19 +158,26 @@ int TesselPing(Context& context) {
     std::printf("PING %s: 56 data bytes\n", address.c_str());
     std::fflush(stdout);
     for (long long i = 0; i < *packets; ++i) {
-        if (i > 0) Pause(interval);
-        if (reachable) std::printf("64 bytes from %s: icmp_seq=%lld ttl=64 time=0.250 ms\n", address.c_str(), i);
+        if (i > 0)
+            Pause(interval);
+        if (reachable)
+            std::printf("64 bytes from %s: icmp_seq=%lld ttl=64 time=0.250 ms\n", address.c_str(),
+                        i);
         std::fflush(stdout);
     }
-    if (!reachable) Pause(2 * interval);
-    std::printf("\n--- %s ping statistics ---\n%lld packets transmitted, %lld packets received, %s packet loss\n", address.c_str(),
-                *packets, reachable ? *packets : 0, reachable ? "0%" : "100%");
+    if (!reachable)
+        Pause(2 * interval);
+    std::printf("\n--- %s ping statistics ---\n%lld packets transmitted, %lld packets received, %s "
+                "packet loss\n",
+                address.c_str(), *packets, reachable ? *packets : 0, reachable ? "0%" : "100%");
     return reachable ? 0 : 1;
 }
 
-// stateSave.sh <level>: the host's configuration is saved; "stateSaved" tells when and at which level.
+// stateSave.sh <level>: the host's configuration is saved; "stateSaved" tells when and at which
+// level.
 int StateSave(Context& context) {
-    if (context.args.size() != 1 || !ParseInteger(context.args[0]) || *ParseInteger(context.args[0]) < 0)
+    if (context.args.size() != 1 || !ParseInteger(context.args[0]) ||
+        *ParseInteger(context.args[0]) < 0)
         throw UsageError("usage: stateSave.sh <level>");
     context.store.Update([&](nlohmann::json& state) {
         state["stateSaved"] = {{"time", Timestamp()}, {"level", *ParseInteger(context.args[0])}};
@@ -172,7 +196,8 @@ int FactoryState(Context& context) {
         auto factory = state.find("factory");
         if (factory != state.end() && factory->is_object()) {
             const nlohmann::json snapshot = *factory;
-            for (const auto& [key, value] : snapshot.items()) state[key] = value;
+            for (const auto& [key, value] : snapshot.items())
+                state[key] = value;
         } else {
             ResetToDefaults(state);
         }

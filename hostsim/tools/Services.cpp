@@ -23,10 +23,13 @@ constexpr int kTracePollMs = 50;
 
 std::string OneAction(const Context& context, const std::vector<std::string>& allowed) {
     std::string usage = "usage: " + context.name + " ";
-    for (size_t i = 0; i < allowed.size(); ++i) usage += (i ? "|" : "") + allowed[i];
-    if (context.args.size() != 1) throw UsageError(usage);
+    for (size_t i = 0; i < allowed.size(); ++i)
+        usage += (i ? "|" : "") + allowed[i];
+    if (context.args.size() != 1)
+        throw UsageError(usage);
     for (const auto& action : allowed)
-        if (context.args[0] == action) return action;
+        if (context.args[0] == action)
+            return action;
     throw UsageError(usage);
 }
 
@@ -43,7 +46,8 @@ int ServiceScript(Context& context) {
     if (action == "status") {
         const nlohmann::json state = context.store.Read();
         const nlohmann::json services = state.value("services", nlohmann::json::object());
-        const bool running = BoolAt(services.value(context.name, nlohmann::json::object()), "running", false);
+        const bool running =
+            BoolAt(services.value(context.name, nlohmann::json::object()), "running", false);
         std::printf("%s is %s\n", label.c_str(), running ? "running" : "not running");
         return running ? 0 : kStatusStopped;
     }
@@ -80,7 +84,8 @@ int GridmeshAgent(Context& context) {
 // gridmeshcfg-xbar -m -p <port group> -I <kernel interface>: moves the interface to the port group.
 int GridmeshCfgXbar(Context& context) {
     Options options(context.args, 0, {"-p", "-I"}, {"-m"});
-    if (!options.Has("-m")) throw UsageError("usage: gridmeshcfg-xbar -m -p <portgroup> -I <interface>");
+    if (!options.Has("-m"))
+        throw UsageError("usage: gridmeshcfg-xbar -m -p <portgroup> -I <interface>");
     const std::string& portGroup = options.Required("-p");
     const std::string& interface = options.Required("-I");
     context.store.Update([&](nlohmann::json& state) {
@@ -88,9 +93,12 @@ int GridmeshCfgXbar(Context& context) {
             throw ToolFailure("gridmeshcfg-xbar: the gridmesh agent is not installed", 1);
         nlohmann::json& groups = ArrayAt(state, "portGroups");
         nlohmann::json* target = FindNamed(groups, portGroup);
-        if (target == nullptr) throw ToolFailure("gridmeshcfg-xbar: port group '" + portGroup + "' not found", 1);
-        nlohmann::json* nic = FindNamed(ArrayAt(ObjectAt(state, "network"), "interfaces"), interface);
-        if (nic == nullptr) throw ToolFailure("gridmeshcfg-xbar: interface '" + interface + "' not found", 1);
+        if (target == nullptr)
+            throw ToolFailure("gridmeshcfg-xbar: port group '" + portGroup + "' not found", 1);
+        nlohmann::json* nic =
+            FindNamed(ArrayAt(ObjectAt(state, "network"), "interfaces"), interface);
+        if (nic == nullptr)
+            throw ToolFailure("gridmeshcfg-xbar: interface '" + interface + "' not found", 1);
 
         nlohmann::json& connection = ObjectAt(*nic, "connection");
         if (StringAt(connection, "type") == "portgroup") {
@@ -123,21 +131,26 @@ int TesselTrace(Context& context) {
     const std::string& process = options.Required("-n");
     const std::string& pattern = options.Required("-o");
     const std::string folder = options.Value("-d").value_or("/var/log/");
-    if (folder.empty() || folder.front() != '/') throw UsageError("the folder must be an absolute path");
-    if (pattern.empty() || pattern.find('/') != std::string::npos) throw UsageError("the output name must be a plain file name");
+    if (folder.empty() || folder.front() != '/')
+        throw UsageError("the folder must be an absolute path");
+    if (pattern.empty() || pattern.find('/') != std::string::npos)
+        throw UsageError("the output name must be a plain file name");
 
     // -w waits for the process to be up, as it may be restarting; without it, or after the
     // wait, a process that is not running is an error.
     const bool wait = options.Has("-w");
-    for (int waited = 0; process == "helmd" && !AgentRunning(context.store.Read()); waited += kTracePollMs) {
-        if (!wait || waited >= kTraceWaitMs) break;
+    for (int waited = 0; process == "helmd" && !AgentRunning(context.store.Read());
+         waited += kTracePollMs) {
+        if (!wait || waited >= kTraceWaitMs)
+            break;
         ::usleep(kTracePollMs * 1000);
     }
     if (process != "helmd" || !AgentRunning(context.store.Read()))
         throw ToolFailure("tesseltrace: no running process named " + process, 1);
 
     std::string base = RootPath(context.root, folder);
-    if (base.back() != '/') base += '/';
+    if (base.back() != '/')
+        base += '/';
     std::string path, hostPath;
     int fd = -1;
     for (int n = 1; n < 10000 && fd < 0; ++n) {
@@ -149,15 +162,19 @@ int TesselTrace(Context& context) {
         path = base + fileName + ".core";
         hostPath = folder + (folder.back() == '/' ? "" : "/") + fileName + ".core";
         fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-        if (fd < 0 && errno != EEXIST) throw ToolFailure("tesseltrace: cannot write " + path + ": " + std::strerror(errno), 1);
+        if (fd < 0 && errno != EEXIST)
+            throw ToolFailure("tesseltrace: cannot write " + path + ": " + std::strerror(errno), 1);
     }
-    if (fd < 0) throw ToolFailure("tesseltrace: no free core file name in " + base, 1);
+    if (fd < 0)
+        throw ToolFailure("tesseltrace: no free core file name in " + base, 1);
     const std::string text = "live core of " + process + " (simulated host)\n";
     const bool written = ::write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
     ::close(fd);
-    if (!written) throw ToolFailure("tesseltrace: cannot write " + path, 1);
+    if (!written)
+        throw ToolFailure("tesseltrace: cannot write " + path, 1);
 
-    context.store.Update([&](nlohmann::json& document) { AddRecord(document, context.name, context.args); });
+    context.store.Update(
+        [&](nlohmann::json& document) { AddRecord(document, context.name, context.args); });
     std::printf("Live core of %s written to %s\n", process.c_str(), hostPath.c_str());
     return 0;
 }

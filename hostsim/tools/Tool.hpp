@@ -34,13 +34,14 @@ private:
 };
 
 struct Context {
-    std::string root;     // absolute host root
-    std::string name;     // the tool's short name
-    std::vector<std::string> args;  // arguments behind the name
+    std::string root;              // absolute host root
+    std::string name;              // the tool's short name
+    std::vector<std::string> args; // arguments behind the name
     StateStore store;
 
     Context(std::string rootPath, std::string toolName, std::vector<std::string> arguments)
-        : root(std::move(rootPath)), name(std::move(toolName)), args(std::move(arguments)), store(root) {}
+        : root(std::move(rootPath)), name(std::move(toolName)), args(std::move(arguments)),
+          store(root) {}
 };
 
 using ToolFunction = int (*)(Context&);
@@ -54,7 +55,8 @@ std::vector<std::string> ToolNames();
 std::string Timestamp();
 
 // Appends {time, tool, args} to the state's "toolRecords" (kept to the newest entries).
-void AddRecord(nlohmann::json& state, const std::string& tool, const std::vector<std::string>& args);
+void AddRecord(nlohmann::json& state, const std::string& tool,
+               const std::vector<std::string>& args);
 
 // A member of `object` at `key`, created as an empty object when it is missing or of another type.
 nlohmann::json& ObjectAt(nlohmann::json& object, const std::string& key);
@@ -63,7 +65,8 @@ nlohmann::json& ArrayAt(nlohmann::json& object, const std::string& key);
 // A boolean member, `fallback` when missing or not a boolean.
 bool BoolAt(const nlohmann::json& object, const std::string& key, bool fallback);
 // A string member, `fallback` when missing or not a string.
-std::string StringAt(const nlohmann::json& object, const std::string& key, const std::string& fallback = "");
+std::string StringAt(const nlohmann::json& object, const std::string& key,
+                     const std::string& fallback = "");
 
 // The element of an array of objects whose "name" is `name`, or null.
 nlohmann::json* FindNamed(nlohmann::json& array, const std::string& name);
@@ -73,8 +76,8 @@ const nlohmann::json* FindNamed(const nlohmann::json& array, const std::string& 
 class Options {
 public:
     // valueOptions take one value, flags take none.
-    Options(const std::vector<std::string>& args, size_t first, const std::vector<std::string>& valueOptions,
-            const std::vector<std::string>& flags);
+    Options(const std::vector<std::string>& args, size_t first,
+            const std::vector<std::string>& valueOptions, const std::vector<std::string>& flags);
     bool Has(const std::string& option) const;
     // The value of a required option; UsageError when it is missing.
     const std::string& Required(const std::string& option) const;
@@ -93,8 +96,8 @@ int Helmq(Context& context);
 int Ostraq(Context& context);
 int Benchq(Context& context);
 int OstraTune(Context& context);
-int ServiceScript(Context& context);   // OstraShell, SSH
-int GridmeshAgent(Context& context);   // gridmesh-opsagent
+int ServiceScript(Context& context); // OstraShell, SSH
+int GridmeshAgent(Context& context); // gridmesh-opsagent
 int GridmeshCfgXbar(Context& context);
 int AgentsScript(Context& context);
 int TesselTrace(Context& context);
@@ -102,6 +105,6 @@ int TesselPing(Context& context);
 int HaltGuests(Context& context);
 int StateSave(Context& context);
 int FactoryState(Context& context);
-int Power(Context& context);           // reboot, poweroff, halt, shutdown
+int Power(Context& context); // reboot, poweroff, halt, shutdown
 
 } // namespace HostSim::Tools

@@ -18,8 +18,10 @@ using namespace HostSim::Tools;
 constexpr int kUsage = 2;
 
 void PrintProgramUsage() {
-    std::fputs("usage: hostsim-tool --root <absolute host root> <tool> [arguments...]\ntools:", stderr);
-    for (const auto& name : ToolNames()) std::fprintf(stderr, " %s", name.c_str());
+    std::fputs("usage: hostsim-tool --root <absolute host root> <tool> [arguments...]\ntools:",
+               stderr);
+    for (const auto& name : ToolNames())
+        std::fprintf(stderr, " %s", name.c_str());
     std::fputs("\n", stderr);
 }
 
@@ -28,16 +30,20 @@ void PrintProgramUsage() {
 int ApplyFault(const Context& context) {
     const nlohmann::json state = context.store.Read();
     auto faults = state.find("faults");
-    if (faults == state.end() || !faults->is_object()) return -1;
+    if (faults == state.end() || !faults->is_object())
+        return -1;
     auto tools = faults->find("tool");
-    if (tools == faults->end() || !tools->is_object()) return -1;
+    if (tools == faults->end() || !tools->is_object())
+        return -1;
     auto fault = tools->find(context.name);
-    if (fault == tools->end() || !fault->is_object() || fault->empty()) return -1;
+    if (fault == tools->end() || !fault->is_object() || fault->empty())
+        return -1;
 
     auto output = fault->find("output");
     if (output != fault->end() && output->is_string()) {
         std::string text = output->get<std::string>();
-        if (!text.empty() && text.back() != '\n') text += '\n';
+        if (!text.empty() && text.back() != '\n')
+            text += '\n';
         std::fputs(text.c_str(), stdout);
         std::fflush(stdout);
     }
@@ -47,11 +53,14 @@ int ApplyFault(const Context& context) {
     }
     if (BoolAt(*fault, "hang", false)) {
         // Until someone kills us: the console's time-outs and Esc paths are what is tested.
-        for (;;) pause();
+        for (;;)
+            pause();
     }
     auto exit = fault->find("exit");
-    if (exit != fault->end() && exit->is_number_integer()) return static_cast<int>(exit->get<long long>() & 0xff);
-    if (output != fault->end() && output->is_string()) return 0;
+    if (exit != fault->end() && exit->is_number_integer())
+        return static_cast<int>(exit->get<long long>() & 0xff);
+    if (output != fault->end() && output->is_string())
+        return 0;
     return -1;
 }
 
@@ -65,12 +74,14 @@ int main(int argc, char** argv) {
     }
     const std::string root = words[1];
     if (root.empty() || root.front() != '/') {
-        std::fprintf(stderr, "hostsim-tool: the host root must be an absolute path, not '%s'\n", root.c_str());
+        std::fprintf(stderr, "hostsim-tool: the host root must be an absolute path, not '%s'\n",
+                     root.c_str());
         return kUsage;
     }
     // The scripts pass the short name; a path is tolerated so that argv[0]-style names work too.
     std::string name = words[2];
-    if (auto slash = name.rfind('/'); slash != std::string::npos) name = name.substr(slash + 1);
+    if (auto slash = name.rfind('/'); slash != std::string::npos)
+        name = name.substr(slash + 1);
     ToolFunction tool = FindTool(name);
     if (tool == nullptr) {
         std::fprintf(stderr, "hostsim-tool: unknown tool '%s'\n", name.c_str());
@@ -82,7 +93,8 @@ int main(int argc, char** argv) {
     int status = 0;
     try {
         status = ApplyFault(context);
-        if (status < 0) status = tool(context);
+        if (status < 0)
+            status = tool(context);
     } catch (const UsageError& e) {
         std::fprintf(stderr, "%s: %s\n", name.c_str(), e.what());
         status = kUsage;
@@ -101,6 +113,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s: %s\n", name.c_str(), e.what());
         status = 1;
     }
-    if (std::fflush(stdout) != 0 && status == 0) status = 1;
+    if (std::fflush(stdout) != 0 && status == 0)
+        status = 1;
     return status;
 }

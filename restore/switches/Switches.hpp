@@ -31,8 +31,8 @@ struct AdapterInfo {
     std::string name;          // "hwport<n>"
     std::string hardwareLabel; // PCI device name, or "N/A"
     std::string macAddress;
-    std::string status;        // "Connected" or "Disconnected"
-    std::string usedBy;        // switch holding the NIC, or empty
+    std::string status; // "Connected" or "Disconnected"
+    std::string usedBy; // switch holding the NIC, or empty
 };
 
 // NIC name -> name of the switch that holds it as an uplink; empty means free.
@@ -59,7 +59,8 @@ bool GetUplinks(Keelson::Network::NetworkInterface* nic, std::vector<std::string
 // Takes the uplink off the first standard switch, and the first fabric, that hold it; switches
 // without it are passed over. Library exceptions from listing the switches pass to the caller.
 void DetachUplink(const std::string& uplink);
-// Detaches the uplink from whatever switch holds it, then adds it to the interface's switch and team.
+// Detaches the uplink from whatever switch holds it, then adds it to the interface's switch and
+// team.
 bool AddUplink(Keelson::Network::NetworkInterface* nic, const std::string& uplink);
 // Takes the uplink off the interface's switch and team.
 bool RemoveUplink(Keelson::Network::NetworkInterface* nic, const std::string& uplink);
@@ -68,7 +69,8 @@ bool RemoveUplink(Keelson::Network::NetworkInterface* nic, const std::string& up
 bool AddUplinkToTeaming(const std::string& uplink, Keelson::Network::PortGroup& portGroup);
 bool RemoveUplinkFromTeaming(const std::string& uplink, Keelson::Network::PortGroup& portGroup);
 // The same addition on a policy the caller holds (a standard switch's own); changes it in memory.
-bool AddUplinkToSwitchTeaming(const std::string& uplink, Keelson::Network::NicTeamingPolicy& policy);
+bool AddUplinkToSwitchTeaming(const std::string& uplink,
+                              Keelson::Network::NicTeamingPolicy& policy);
 
 bool GatherStandardSwitches(std::vector<StandardSwitchInfo>& switches);
 // All physical NICs, "hwport<n>" names by number, others bytewise.

@@ -2,8 +2,8 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <sys/wait.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -36,20 +36,27 @@ namespace {
 
 using Keelson::Lib::KeelsonException;
 
-constexpr const char* kListFooter = "{color:black}<Up/Down>{/color}{color:dark-grey} Select{/color}";
-constexpr const char* kMoreFooter = "{color:white}<Enter>{/color}{color:light-grey} More{/color}{align:right}"
-                                    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
-constexpr const char* kChangeFooter = "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}"
-                                      "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kListFooter =
+    "{color:black}<Up/Down>{/color}{color:dark-grey} Select{/color}";
+constexpr const char* kMoreFooter =
+    "{color:white}<Enter>{/color}{color:light-grey} More{/color}{align:right}"
+    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kChangeFooter =
+    "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}"
+    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
 // The lockdown entry's own form: its <Enter> is never closed.
-constexpr const char* kChangeFooter2 = "{color:white}<Enter>{color:light-grey} Change{/color}{align:right}"
-                                       "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
-constexpr const char* kRestartFooter = "{color:white}<Enter>{/color} {color:light-grey}Restart{align:right}"
-                                       "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
-constexpr const char* kRunTestFooter = "{color:white}<Enter>{/color}{color:light-grey} Run Test{/color}{align:right}"
-                                       "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
-constexpr const char* kResetFooter = "{color:white}<Enter>{/color}{color:light-grey} Reset{/color}{align:right}"
-                                     "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kChangeFooter2 =
+    "{color:white}<Enter>{color:light-grey} Change{/color}{align:right}"
+    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kRestartFooter =
+    "{color:white}<Enter>{/color} {color:light-grey}Restart{align:right}"
+    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kRunTestFooter =
+    "{color:white}<Enter>{/color}{color:light-grey} Run Test{/color}{align:right}"
+    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
+constexpr const char* kResetFooter =
+    "{color:white}<Enter>{/color}{color:light-grey} Reset{/color}{align:right}"
+    "{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
 constexpr const char* kLogOutFooter =
     "{align:right}{color:white}<Esc>{/color}{color:light-grey} Log Out{/color}{/align}";
 
@@ -70,8 +77,7 @@ constexpr std::array<LogFile, 6> kLogFiles = {{
 constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
 
 // No management interface, a disabled one or a host library that cannot tell: all count as down.
-bool ManagementInterfaceUp()
-{
+bool ManagementInterfaceUp() {
     try {
         const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface();
         return nic && nic->IsEnabled();
@@ -81,14 +87,14 @@ bool ManagementInterfaceUp()
 }
 
 // The IPv6 block of the network summary, with its blank line behind it; empty when IPv6 is off.
-std::string Ipv6Summary(StringFactory& strings)
-{
+std::string Ipv6Summary(StringFactory& strings) {
     std::string text = std::string(strings.GetString(Ids::Ipv6AddressesHeading)) + ":\n";
     try {
         if (!TesselCtl::Network::NetworkInfoImpl().IsTesselIpv6Enabled())
             return "";
         std::vector<Keelson::Network::Ipv6Network> networks;
-        if (const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface())
+        if (const std::unique_ptr<Keelson::Network::NetworkInterface> nic =
+                FindManagementInterface())
             networks = nic->GetIpConfig().GetIpv6Network();
         if (networks.empty()) {
             text += std::string(strings.GetString(Ids::NotSet)) + "\n";
@@ -101,15 +107,16 @@ std::string Ipv6Summary(StringFactory& strings)
                 text += "...\n";
         }
     } catch (const KeelsonException&) {
-        text = std::string(strings.GetString(Ids::Ipv6AddressesHeading)) + ":\n" + strings.GetString(Ids::Unknown) + "\n";
+        text = std::string(strings.GetString(Ids::Ipv6AddressesHeading)) + ":\n" +
+               strings.GetString(Ids::Unknown) + "\n";
     }
     return text + "\n";
 }
 
 } // namespace
 
-GeneralWindow::GeneralWindow(Frame* owner) : MenuWindow(owner, Ids::SystemCustomization, kListFooter)
-{
+GeneralWindow::GeneralWindow(Frame* owner)
+    : MenuWindow(owner, Ids::SystemCustomization, kListFooter) {
     bool lockdownChangeable = HelmqQueryBool("helmsvc/auth/lockdown_is_enabled");
     if (!lockdownChangeable)
         lockdownChangeable = HelmqQueryBool("helmsvc/auth/lockdown_is_possible");
@@ -142,8 +149,7 @@ GeneralWindow::GeneralWindow(Frame* owner) : MenuWindow(owner, Ids::SystemCustom
 
 GeneralWindow::~GeneralWindow() = default;
 
-void GeneralWindow::ShowSelectedEntry()
-{
+void GeneralWindow::ShowSelectedEntry() {
     if (!strings)
         return;
     StringFactory& text = *strings;
@@ -153,13 +159,15 @@ void GeneralWindow::ShowSelectedEntry()
     const char* footer = kMoreFooter;
     switch (id) {
     case Ids::ConfigurePassword:
-        body = std::string("{color:white}") + text.GetString(passwordIsEmpty ? Ids::NotSet : Ids::SetWord) +
-               "{/color}\n\n" + text.GetString(Ids::PasswordHelp);
+        body = std::string("{color:white}") +
+               text.GetString(passwordIsEmpty ? Ids::NotSet : Ids::SetWord) + "{/color}\n\n" +
+               text.GetString(Ids::PasswordHelp);
         footer = kChangeFooter;
         break;
     case Ids::ConfigureLockdownMode:
-        body = std::string("{color:white}") + text.GetString(lockdownEnabled ? Ids::Enabled : Ids::Disabled) +
-               "{/color}\n\n" + text.GetString(Ids::LockdownHelp);
+        body = std::string("{color:white}") +
+               text.GetString(lockdownEnabled ? Ids::Enabled : Ids::Disabled) + "{/color}\n\n" +
+               text.GetString(Ids::LockdownHelp);
         footer = kChangeFooter2;
         break;
     case Ids::ConfigureManagementNetwork:
@@ -193,8 +201,9 @@ void GeneralWindow::ShowSelectedEntry()
         footer = kResetFooter;
         break;
     case Ids::ConfigureKeyboard:
-        body = "{color:white}" + TesselCtl::System::SystemInfoImpl().GetKeyboardLayout() + "{/color}\n\n" +
-               "{color:light-grey}" + text.GetString(Ids::KeyboardHelp) + "{/color}";
+        body = "{color:white}" + TesselCtl::System::SystemInfoImpl().GetKeyboardLayout() +
+               "{/color}\n\n" + "{color:light-grey}" + text.GetString(Ids::KeyboardHelp) +
+               "{/color}";
         break;
     default:
         footer = "";
@@ -208,8 +217,7 @@ void GeneralWindow::ShowSelectedEntry()
     SetLeftFooter(passwordIsEmpty ? text.GetString(Ids::DefaultPasswordWarning) : kListFooter);
 }
 
-std::string GeneralWindow::ManagementSummary()
-{
+std::string GeneralWindow::ManagementSummary() {
     StringFactory& text = *strings;
     std::string hostname;
     std::string address = "0.0.0.0";
@@ -218,7 +226,8 @@ std::string GeneralWindow::ManagementSummary()
     std::string dhcpServerText;
     try {
         hostname = dnsConfig.GetHostname();
-        if (const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface()) {
+        if (const std::unique_ptr<Keelson::Network::NetworkInterface> nic =
+                FindManagementInterface()) {
             const Keelson::Network::IpConfig configured = nic->GetConfiguredIpConfig();
             useDhcp = configured.GetUseDhcp();
             if (configured.GetIpv4UseNone())
@@ -236,8 +245,9 @@ std::string GeneralWindow::ManagementSummary()
         useDhcp = false;
     }
 
-    std::string summary = std::string("{color:white}") + text.GetString(Ids::HostnameHeading) + ":\n" + hostname +
-                          "\n\n" + text.GetString(Ids::Ipv4AddressHeading) + ":\n" + address + "\n\n";
+    std::string summary = std::string("{color:white}") + text.GetString(Ids::HostnameHeading) +
+                          ":\n" + hostname + "\n\n" + text.GetString(Ids::Ipv4AddressHeading) +
+                          ":\n" + address + "\n\n";
     if (useDhcp && dhcpServer != 0)
         summary += std::string(text.GetString(Ids::DhcpIdentity)) + " " + dhcpServerText + "\n\n";
     summary += Ipv6Summary(text);
@@ -246,23 +256,21 @@ std::string GeneralWindow::ManagementSummary()
     return summary;
 }
 
-std::string GeneralWindow::SupportText() const
-{
+std::string GeneralWindow::SupportText() const {
     if (supportPages.empty())
         return "";
     const bool earlier = supportPage > 0;
     const bool later = supportPage + 1 < supportPages.size();
     std::string line = earlier ? "{color:white}" : "{color:light-grey}";
     line += "<Page Up>       {/color}";
-    line += "{color:white}" + std::to_string(supportPage + 1) + "/" + std::to_string(supportPages.size()) +
-            "{/color}";
+    line += "{color:white}" + std::to_string(supportPage + 1) + "/" +
+            std::to_string(supportPages.size()) + "{/color}";
     line += later ? "{color:white}" : "{color:light-grey}";
     line += "     <Page Down>{/color}";
     return line + "\n" + supportPages[supportPage];
 }
 
-std::string GeneralWindow::LogTable()
-{
+std::string GeneralWindow::LogTable() {
     std::string table;
     int number = 0;
     for (size_t row = 0; row < kLogFiles.size(); ++row) {
@@ -270,21 +278,20 @@ std::string GeneralWindow::LogTable()
         logPresent[row] = ::stat(HostPath(kLogFiles[row].path).c_str(), &info) == 0;
         if (!logPresent[row])
             continue;
-        table += "{color:white}<" + std::to_string(++number) + "> {color:light-grey}" + kLogFiles[row].label +
-                 "{/color}\n";
+        table += "{color:white}<" + std::to_string(++number) + "> {color:light-grey}" +
+                 kLogFiles[row].label + "{/color}\n";
     }
     return table + "\n" + CatalogueText(Ids::LogsHelp);
 }
 
-void GeneralWindow::LeavingEntry(uint32_t id)
-{
+void GeneralWindow::LeavingEntry(uint32_t id) {
     if (id == Ids::ViewSupportInformation)
         supportPage = 0;
 }
 
-void GeneralWindow::HandleOtherKey(uint32_t id, int key)
-{
-    if (key == Keys::PageDown && id == Ids::ViewSupportInformation && supportPage + 1 < supportPages.size()) {
+void GeneralWindow::HandleOtherKey(uint32_t id, int key) {
+    if (key == Keys::PageDown && id == Ids::ViewSupportInformation &&
+        supportPage + 1 < supportPages.size()) {
         ++supportPage;
         ShowSelectedEntry();
     } else if (key == Keys::PageUp && id == Ids::ViewSupportInformation && supportPage > 0) {
@@ -295,13 +302,13 @@ void GeneralWindow::HandleOtherKey(uint32_t id, int key)
     }
 }
 
-void GeneralWindow::RunEntry(uint32_t id)
-{
+void GeneralWindow::RunEntry(uint32_t id) {
     // Screens not built yet are left out; each plugs in at its entry and redraws afterwards.
     switch (id) {
     case Ids::RestartManagementNetwork:
         try {
-            const std::unique_ptr<Keelson::Network::NetworkInterface> nic = FindManagementInterface();
+            const std::unique_ptr<Keelson::Network::NetworkInterface> nic =
+                FindManagementInterface();
             if (!nic)
                 MessageDialog(this, Ids::RestartNetworkError, Ids::InterfaceNotFound).RunModal();
             else
@@ -349,8 +356,7 @@ void GeneralWindow::RunEntry(uint32_t id)
     }
 }
 
-void GeneralWindow::ViewLog(int number)
-{
+void GeneralWindow::ViewLog(int number) {
     int shown = 0;
     const LogFile* log = nullptr;
     for (size_t row = 0; row < kLogFiles.size() && !log; ++row) {

@@ -4,8 +4,7 @@
 
 namespace Lanyx {
 
-std::vector<std::string> ReadSupportPages(const std::string& path)
-{
+std::vector<std::string> ReadSupportPages(const std::string& path) {
     std::vector<std::string> pages;
     std::ifstream file(path);
     if (!file)

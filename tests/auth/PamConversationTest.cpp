@@ -17,8 +17,7 @@ constexpr int kInfo = PAM_TEXT_INFO;
 constexpr int kError = PAM_ERROR_MSG;
 
 // One call with messages of the given styles; each response as text, "-" for none.
-std::vector<std::string> Converse(const std::vector<int>& styles)
-{
+std::vector<std::string> Converse(const std::vector<int>& styles) {
     std::vector<pam_message> messages(styles.size());
     std::vector<const pam_message*> pointers;
     for (size_t i = 0; i < styles.size(); ++i) {
@@ -27,8 +26,9 @@ std::vector<std::string> Converse(const std::vector<int>& styles)
     }
     PasswordPair pair{"old-Pass1", "new-Pass1"};
     pam_response* responses = nullptr;
-    EXPECT_EQ(PamChangeConversation(static_cast<int>(styles.size()), pointers.data(), &responses, &pair),
-              PAM_SUCCESS);
+    EXPECT_EQ(
+        PamChangeConversation(static_cast<int>(styles.size()), pointers.data(), &responses, &pair),
+        PAM_SUCCESS);
     std::vector<std::string> answers;
     for (size_t i = 0; responses && i < styles.size(); ++i) {
         answers.push_back(responses[i].resp ? responses[i].resp : "-");
@@ -38,8 +38,7 @@ std::vector<std::string> Converse(const std::vector<int>& styles)
     return answers;
 }
 
-TEST(PamChangeConversation, PromptsAnsweredOldThenNewTwiceThenNothing)
-{
+TEST(PamChangeConversation, PromptsAnsweredOldThenNewTwiceThenNothing) {
     struct Case {
         const char* name;
         std::vector<std::vector<int>> calls;

@@ -15,10 +15,11 @@ namespace LanyxTest {
 
 namespace fs = std::filesystem;
 
-std::string HostsimBinary() { return LANYX_TEST_HOSTSIM; }
+std::string HostsimBinary() {
+    return LANYX_TEST_HOSTSIM;
+}
 
-const char* RecordPath(Record record)
-{
+const char* RecordPath(Record record) {
     switch (record) {
     case Record::Syslog:
         return "/var/log/syslog.log";
@@ -30,8 +31,7 @@ const char* RecordPath(Record record)
     return "";
 }
 
-bool PollUntil(const std::function<bool()>& condition, Duration timeout)
-{
+bool PollUntil(const std::function<bool()>& condition, Duration timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     for (;;) {
         if (condition())
@@ -42,8 +42,7 @@ bool PollUntil(const std::function<bool()>& condition, Duration timeout)
     }
 }
 
-HostRoot::HostRoot(const std::string& profile)
-{
+HostRoot::HostRoot(const std::string& profile) {
     const char* tmp = std::getenv("TMPDIR");
     std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/lanyx-test-XXXXXX";
     if (!mkdtemp(pattern.data()))
@@ -57,9 +56,10 @@ HostRoot::HostRoot(const std::string& profile)
         const std::vector<std::string> argv{HostsimBinary(), "create", root_, "--profile", profile};
         const ProcessResult made = RunProcess(argv, 60s);
         if (!made.Succeeded())
-            throw std::runtime_error(JoinCommand(argv) + " failed (" +
-                                     (made.timedOut ? std::string("timed out") : made.exit.Describe()) +
-                                     "):\n" + made.output);
+            throw std::runtime_error(
+                JoinCommand(argv) + " failed (" +
+                (made.timedOut ? std::string("timed out") : made.exit.Describe()) + "):\n" +
+                made.output);
     }
     if (const char* previous = std::getenv("LANYX_HOST_ROOT"))
         previous_ = previous;
@@ -67,8 +67,7 @@ HostRoot::HostRoot(const std::string& profile)
     Mark();
 }
 
-HostRoot::~HostRoot()
-{
+HostRoot::~HostRoot() {
     if (previous_)
         setenv("LANYX_HOST_ROOT", previous_->c_str(), 1);
     else
@@ -81,51 +80,51 @@ HostRoot::~HostRoot()
     fs::remove_all(parent_, ignored);
 }
 
-std::string HostRoot::File(std::string_view hostPath) const { return root_ + std::string(hostPath); }
+std::string HostRoot::File(std::string_view hostPath) const {
+    return root_ + std::string(hostPath);
+}
 
-ProcessResult HostRoot::Hostsim(const std::string& command, const std::vector<std::string>& args) const
-{
+ProcessResult HostRoot::Hostsim(const std::string& command,
+                                const std::vector<std::string>& args) const {
     std::vector<std::string> argv{HostsimBinary(), command, root_};
     argv.insert(argv.end(), args.begin(), args.end());
     return RunProcess(argv, 30s);
 }
 
-void HostRoot::Set(const std::string& name, const std::string& value) const
-{
+void HostRoot::Set(const std::string& name, const std::string& value) const {
     const ProcessResult r = Hostsim("set", {name, value});
-    EXPECT_TRUE(r.Succeeded()) << "hostsim set " << name << " " << value << ": " << r.exit.Describe() << "\n"
+    EXPECT_TRUE(r.Succeeded()) << "hostsim set " << name << " " << value << ": "
+                               << r.exit.Describe() << "\n"
                                << r.output;
 }
 
-void HostRoot::Fault(const std::vector<std::string>& args) const
-{
+void HostRoot::Fault(const std::vector<std::string>& args) const {
     const ProcessResult r = Hostsim("fault", args);
-    EXPECT_TRUE(r.Succeeded()) << "hostsim fault " << JoinCommand(args) << ": " << r.exit.Describe() << "\n"
+    EXPECT_TRUE(r.Succeeded()) << "hostsim fault " << JoinCommand(args) << ": " << r.exit.Describe()
+                               << "\n"
                                << r.output;
 }
 
-void HostRoot::LibFault(const std::string& operation, const std::string& text) const
-{
+void HostRoot::LibFault(const std::string& operation, const std::string& text) const {
     Edit([&](nlohmann::json& state) { state["faults"]["lib"][operation] = text; });
 }
 
-nlohmann::json HostRoot::State() const { return HostSim::StateStore(root_).Read(); }
+nlohmann::json HostRoot::State() const {
+    return HostSim::StateStore(root_).Read();
+}
 
-void HostRoot::Edit(const std::function<void(nlohmann::json&)>& change) const
-{
+void HostRoot::Edit(const std::function<void(nlohmann::json&)>& change) const {
     HostSim::StateStore(root_).Update(change);
 }
 
-std::string HostRoot::Read(std::string_view hostPath) const
-{
+std::string HostRoot::Read(std::string_view hostPath) const {
     std::ifstream in(File(hostPath), std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
 }
 
-void HostRoot::Write(std::string_view hostPath, std::string_view content) const
-{
+void HostRoot::Write(std::string_view hostPath, std::string_view content) const {
     const fs::path path = File(hostPath);
     fs::create_directories(path.parent_path());
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
@@ -134,21 +133,19 @@ void HostRoot::Write(std::string_view hostPath, std::string_view content) const
         throw std::runtime_error("cannot write " + path.string());
 }
 
-void HostRoot::WriteScript(std::string_view hostPath, const std::string& body) const
-{
+void HostRoot::WriteScript(std::string_view hostPath, const std::string& body) const {
     Write(hostPath, "#!/bin/sh\n" + body + "\n");
-    fs::permissions(File(hostPath), fs::perms::owner_all | fs::perms::group_exec | fs::perms::others_exec,
+    fs::permissions(File(hostPath),
+                    fs::perms::owner_all | fs::perms::group_exec | fs::perms::others_exec,
                     fs::perm_options::add);
 }
 
-void HostRoot::Remove(std::string_view hostPath) const
-{
+void HostRoot::Remove(std::string_view hostPath) const {
     std::error_code ignored;
     fs::remove(File(hostPath), ignored);
 }
 
-void HostRoot::Mark()
-{
+void HostRoot::Mark() {
     for (Record record : {Record::Syslog, Record::Notad, Record::Audit}) {
         std::error_code missing;
         const auto size = fs::file_size(File(RecordPath(record)), missing);
@@ -156,8 +153,7 @@ void HostRoot::Mark()
     }
 }
 
-std::vector<std::string> HostRoot::Lines(Record record) const
-{
+std::vector<std::string> HostRoot::Lines(Record record) const {
     std::vector<std::string> lines;
     const std::string text = Read(RecordPath(record));
     // A record rewritten shorter than the mark is read whole.
@@ -168,8 +164,7 @@ std::vector<std::string> HostRoot::Lines(Record record) const
     return lines;
 }
 
-std::vector<std::string> HostRoot::Matching(Record record, std::string_view text) const
-{
+std::vector<std::string> HostRoot::Matching(Record record, std::string_view text) const {
     std::vector<std::string> found;
     for (auto& line : Lines(record))
         if (line.find(text) != std::string::npos)
@@ -177,8 +172,7 @@ std::vector<std::string> HostRoot::Matching(Record record, std::string_view text
     return found;
 }
 
-std::vector<std::string> HostRoot::Messages(std::string_view priority) const
-{
+std::vector<std::string> HostRoot::Messages(std::string_view priority) const {
     std::vector<std::string> messages;
     for (const std::string& line : Lines(Record::Syslog)) {
         // "<stamp> <facility>.<level> <ident>[<pid>]: <message>"
@@ -196,8 +190,8 @@ std::vector<std::string> HostRoot::Messages(std::string_view priority) const
     return messages;
 }
 
-::testing::AssertionResult HostRoot::WaitForLine(Record record, std::string_view text, Duration timeout) const
-{
+::testing::AssertionResult HostRoot::WaitForLine(Record record, std::string_view text,
+                                                 Duration timeout) const {
     if (PollUntil([&] { return !Matching(record, text).empty(); }, timeout))
         return ::testing::AssertionSuccess();
     auto failure = ::testing::AssertionFailure();
@@ -208,15 +202,13 @@ std::vector<std::string> HostRoot::Messages(std::string_view priority) const
     return failure;
 }
 
-void ProgramHost::SetUp()
-{
+void ProgramHost::SetUp() {
     host_ = std::make_unique<HostRoot>(profile_);
     if (!profile_.empty())
         initial_ = host_->State();
 }
 
-std::vector<std::string> HostRoot::ToolRuns(std::string_view tool) const
-{
+std::vector<std::string> HostRoot::ToolRuns(std::string_view tool) const {
     std::vector<std::string> runs;
     for (const nlohmann::json& record : State().value("toolRecords", nlohmann::json::array())) {
         const std::string name = record.value("tool", "");
@@ -230,8 +222,7 @@ std::vector<std::string> HostRoot::ToolRuns(std::string_view tool) const
     return runs;
 }
 
-void ProgramHost::Reset(const std::function<void(nlohmann::json&)>& change)
-{
+void ProgramHost::Reset(const std::function<void(nlohmann::json&)>& change) {
     host_->Edit([&](nlohmann::json& state) {
         state = initial_;
         if (change)
@@ -240,8 +231,7 @@ void ProgramHost::Reset(const std::function<void(nlohmann::json&)>& change)
     host_->Mark();
 }
 
-ProgramHost* AddProgramHost(const std::string& profile)
-{
+ProgramHost* AddProgramHost(const std::string& profile) {
     return static_cast<ProgramHost*>(::testing::AddGlobalTestEnvironment(new ProgramHost(profile)));
 }
 

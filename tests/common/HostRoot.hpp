@@ -38,7 +38,8 @@ public:
     std::string File(std::string_view hostPath) const;
 
     // `hostsim <command> <root> <args...>`; the result is returned, failures are not judged.
-    ProcessResult Hostsim(const std::string& command, const std::vector<std::string>& args = {}) const;
+    ProcessResult Hostsim(const std::string& command,
+                          const std::vector<std::string>& args = {}) const;
     // `hostsim set <root> name value`, `hostsim fault <root> args...`; a failure fails the test.
     void Set(const std::string& name, const std::string& value) const;
     void Fault(const std::vector<std::string>& args) const;
@@ -67,7 +68,8 @@ public:
     // with no tool given, every run as "<tool> <args...>".
     std::vector<std::string> ToolRuns(std::string_view tool = {}) const;
     // Waits until a line of the record since the mark contains `text`.
-    ::testing::AssertionResult WaitForLine(Record record, std::string_view text, Duration timeout = 10s) const;
+    ::testing::AssertionResult WaitForLine(Record record, std::string_view text,
+                                           Duration timeout = 10s) const;
 
 private:
     std::string parent_; // the temporary folder that holds the root
@@ -82,8 +84,7 @@ bool PollUntil(const std::function<bool()>& condition, Duration timeout);
 // A test with a simulated host of its own; Create makes another in place of the one before.
 class HostTest : public ::testing::Test {
 protected:
-    HostRoot& Create(const std::string& profile = "default")
-    {
+    HostRoot& Create(const std::string& profile = "default") {
         host_.reset();
         host_ = std::make_unique<HostRoot>(profile);
         return *host_;

@@ -12,13 +12,20 @@ extern char** environ;
 
 namespace LanyxTest {
 
-bool ExitInfo::Exited() const { return WIFEXITED(status); }
-int ExitInfo::Code() const { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
-bool ExitInfo::Signaled() const { return WIFSIGNALED(status); }
-int ExitInfo::Signal() const { return WIFSIGNALED(status) ? WTERMSIG(status) : 0; }
+bool ExitInfo::Exited() const {
+    return WIFEXITED(status);
+}
+int ExitInfo::Code() const {
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+bool ExitInfo::Signaled() const {
+    return WIFSIGNALED(status);
+}
+int ExitInfo::Signal() const {
+    return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+}
 
-std::string ExitInfo::Describe() const
-{
+std::string ExitInfo::Describe() const {
     if (Exited())
         return "exited with status " + std::to_string(Code());
     if (Signaled())
@@ -26,8 +33,7 @@ std::string ExitInfo::Describe() const
     return "wait status " + std::to_string(status);
 }
 
-std::string JoinCommand(const std::vector<std::string>& argv)
-{
+std::string JoinCommand(const std::vector<std::string>& argv) {
     std::string line;
     for (const auto& arg : argv) {
         if (!line.empty())
@@ -40,8 +46,8 @@ std::string JoinCommand(const std::vector<std::string>& argv)
     return line;
 }
 
-ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout, const std::vector<std::string>* env)
-{
+ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout,
+                         const std::vector<std::string>* env) {
     ProcessResult result;
     int fds[2];
     if (argv.empty() || pipe2(fds, O_CLOEXEC) != 0) {
@@ -81,7 +87,8 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, Duration timeout,
 
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     auto remainingMs = [&] {
-        const auto left = std::chrono::duration_cast<Duration>(deadline - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::duration_cast<Duration>(deadline - std::chrono::steady_clock::now());
         return static_cast<int>(std::max<long>(0, left.count()));
     };
     bool open = true;

@@ -14,9 +14,9 @@ struct ExitInfo {
     int status = 0; // raw wait status
 
     bool Exited() const;
-    int Code() const;     // exit code, -1 when the process did not exit normally
+    int Code() const; // exit code, -1 when the process did not exit normally
     bool Signaled() const;
-    int Signal() const;   // terminating signal, 0 when none
+    int Signal() const; // terminating signal, 0 when none
     std::string Describe() const;
 };
 

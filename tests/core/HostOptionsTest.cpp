@@ -17,7 +17,9 @@ protected:
         cardUser.clear();
         loginUser.clear();
     }
-    bool Logged(const std::string& text) const { return !host.Matching(LanyxTest::Record::Syslog, text).empty(); }
+    bool Logged(const std::string& text) const {
+        return !host.Matching(LanyxTest::Record::Syslog, text).empty();
+    }
 
     LanyxTest::HostRoot host{"default"};
 };

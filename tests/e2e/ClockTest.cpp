@@ -21,20 +21,19 @@ constexpr int kVersionRow = 5, kWelcomeColumn = 8, kFrameRow = 1, kFrameColumn =
 // The login box: its title.
 constexpr int kBoxTitleRow = 7, kBoxTitleColumn = 13;
 
-bool IsDimmed(const Cell& cell) { return cell.fg.IsIndex(6) && cell.bg.IsIndex(0); }
+bool IsDimmed(const Cell& cell) {
+    return cell.fg.IsIndex(6) && cell.bg.IsIndex(0);
+}
 
-::testing::AssertionResult Dims(Console& console, int row, int col)
-{
+::testing::AssertionResult Dims(Console& console, int row, int col) {
     return console.WaitFor([&] { return IsDimmed(console.CellAt(row, col)); }, 10s, "dimmed");
 }
 
-std::string LastKey(const Console& console)
-{
+std::string LastKey(const Console& console) {
     return console.Text(3, kFrameColumn, 20);
 }
 
-TEST(Clock, WelcomeScreenDimsWholeAndTheWakingKeyIsDelivered)
-{
+TEST(Clock, WelcomeScreenDimsWholeAndTheWakingKeyIsDelivered) {
     Session s("default", {.faketime = kFast});
     Console& console = s.Screen();
     const auto version = [&] { return console.CellAt(kVersionRow, kWelcomeColumn); };
@@ -49,19 +48,24 @@ TEST(Clock, WelcomeScreenDimsWholeAndTheWakingKeyIsDelivered)
         10s, "the whole screen dimmed, box and lower half too"));
     // F4 is not swallowed by the waking: it switches to monochrome, standout on the upper half.
     s.Key(Keys::F(4));
-    EXPECT_TRUE(console.WaitFor([&] { return version().reverse; }, 10s, "the waking key acted on")) << version();
+    EXPECT_TRUE(console.WaitFor([&] { return version().reverse; }, 10s, "the waking key acted on"))
+        << version();
 }
 
 // Any key lights a dimmed screen again: the welcome screen, and a dialog above it.
-TEST(Clock, DimmedScreensLightAgainAfterAKey)
-{
+TEST(Clock, DimmedScreensLightAgainAfterAKey) {
     Session s("default", {.faketime = kFast});
     Console& console = s.Screen();
     ASSERT_TRUE(s.AwaitWelcome());
     // Text and blank cells of both halves, the box and the footer: each must come back in the
     // colours it had, not only out of the dimmed ones.
-    const std::pair<int, int> cells[] = {{kVersionRow, kWelcomeColumn}, {6, 10}, {13, kWelcomeColumn}, {14, 10},
-                                         {18, 40}, {0, 0}, {23, 2}};
+    const std::pair<int, int> cells[] = {{kVersionRow, kWelcomeColumn},
+                                         {6, 10},
+                                         {13, kWelcomeColumn},
+                                         {14, 10},
+                                         {18, 40},
+                                         {0, 0},
+                                         {23, 2}};
     std::vector<Cell> lit;
     for (const auto& [row, col] : cells)
         lit.push_back(console.CellAt(row, col));
@@ -71,7 +75,8 @@ TEST(Clock, DimmedScreensLightAgainAfterAKey)
     for (size_t i = 0; i < std::size(cells); ++i) {
         const Cell now = console.CellAt(cells[i].first, cells[i].second);
         EXPECT_TRUE(now.fg == lit[i].fg && now.bg == lit[i].bg)
-            << cells[i].first << "," << cells[i].second << ": " << now << " instead of " << lit[i] << "\n"
+            << cells[i].first << "," << cells[i].second << ": " << now << " instead of " << lit[i]
+            << "\n"
             << console.Describe();
     }
 
@@ -80,22 +85,25 @@ TEST(Clock, DimmedScreensLightAgainAfterAKey)
     s.Key(Keys::Down);
     ASSERT_TRUE(s.Settle());
     EXPECT_FALSE(IsDimmed(console.CellAt(kBoxTitleRow, kBoxTitleColumn)))
-        << "the login box stays dimmed after a key\n" << console.Describe();
+        << "the login box stays dimmed after a key\n"
+        << console.Describe();
 }
 
-TEST(Clock, KeysRestartTheIdleClock)
-{
+TEST(Clock, KeysRestartTheIdleClock) {
     // 240 seconds are 2.4 seconds of ours; a key at every dimming (0.6 seconds) keeps the session
     // open past that in total.
-    Session s("default", {.settings = {{"lanyx-timeout", "240"}}, .faketime = kFast, .keyTestFrame = true});
+    Session s("default",
+              {.settings = {{"lanyx-timeout", "240"}}, .faketime = kFast, .keyTestFrame = true});
     Console& console = s.Screen();
     s.Key(Keys::F(9));
     ASSERT_TRUE(console.WaitForText("Session active"));
     const auto start = std::chrono::steady_clock::now();
-    for (char key = 'a'; std::chrono::steady_clock::now() - start < 3s; key = key == 'a' ? 'n' : 'a') {
+    for (char key = 'a'; std::chrono::steady_clock::now() - start < 3s;
+         key = key == 'a' ? 'n' : 'a') {
         ASSERT_TRUE(Dims(console, kFrameRow, kFrameColumn));
         s.Key(std::string(1, key));
-        ASSERT_TRUE(console.WaitFor([&] { return LastKey(console) == "Last key: " + std::to_string(key); }));
+        ASSERT_TRUE(console.WaitFor(
+            [&] { return LastKey(console) == "Last key: " + std::to_string(key); }));
         EXPECT_FALSE(IsDimmed(console.CellAt(kFrameRow, kFrameColumn)));
         ASSERT_TRUE(console.Find("Session active"));
     }
@@ -103,9 +111,9 @@ TEST(Clock, KeysRestartTheIdleClock)
 
 // The limit as the host sets it ends sessions after a real login (below); here, a limit of zero
 // and the default taken when the host state cannot be read.
-TEST(Clock, IdleLimitOfZeroAndTheDefault)
-{
-    Session s("default", {.settings = {{"lanyx-timeout", "0"}}, .faketime = kFaster, .keyTestFrame = true});
+TEST(Clock, IdleLimitOfZeroAndTheDefault) {
+    Session s("default",
+              {.settings = {{"lanyx-timeout", "0"}}, .faketime = kFaster, .keyTestFrame = true});
     s.Key(Keys::F(9));
     ASSERT_TRUE(s.Screen().WaitForText("Session active"));
     ASSERT_TRUE(Dims(s.Screen(), kFrameRow, kFrameColumn));
@@ -113,9 +121,10 @@ TEST(Clock, IdleLimitOfZeroAndTheDefault)
     EXPECT_FALSE(s.Screen().WaitForText("Session timed out", 1500ms));
 
     // A damaged state does not stop the start either.
-    s.Restart({.prepare = [](HostRoot& host) { host.Write("/var/lib/hostsim/state.json", "garbage"); },
-               .faketime = kFaster,
-               .keyTestFrame = true});
+    s.Restart(
+        {.prepare = [](HostRoot& host) { host.Write("/var/lib/hostsim/state.json", "garbage"); },
+         .faketime = kFaster,
+         .keyTestFrame = true});
     const auto start = std::chrono::steady_clock::now();
     s.Key(Keys::F(9));
     ASSERT_TRUE(s.Screen().WaitForText("Session timed out"));
@@ -126,8 +135,7 @@ TEST(Clock, IdleLimitOfZeroAndTheDefault)
     EXPECT_TRUE(s.Screen().WaitFor([&] { return LastKey(s.Screen()) == "Last key: 97"; }));
 }
 
-TEST(Clock, IdleLimitInTheLoginBoxEndsTheRoundWithTheLastUser)
-{
+TEST(Clock, IdleLimitInTheLoginBoxEndsTheRoundWithTheLastUser) {
     // A limit of 60 seconds is 3 real seconds at twenty times the speed.
     Session s("default", {.settings = {{"lanyx-timeout", "60"}}, .faketime = "+0 x20"});
     ASSERT_TRUE(s.OpenLogin());
@@ -140,27 +148,29 @@ TEST(Clock, IdleLimitInTheLoginBoxEndsTheRoundWithTheLastUser)
     s.Key(Keys::Enter);
     ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: User expired logged out due to time out"));
     ASSERT_TRUE(s.AwaitWelcome());
-    EXPECT_TRUE(s.Host().WaitForLine(Record::Audit,
-                                     "action=lanyx.logout user=expired service=lanyx success=1 reason=\"Time out\""));
+    EXPECT_TRUE(s.Host().WaitForLine(
+        Record::Audit,
+        "action=lanyx.logout user=expired service=lanyx success=1 reason=\"Time out\""));
     // The welcome screen is lit again and takes F2 once more.
     const Cell version = s.Screen().CellAt(kVersionRow, kWelcomeColumn);
     EXPECT_TRUE(version.fg.IsIndex(7) && version.bg.IsIndex(6)) << version;
     EXPECT_TRUE(s.OpenLogin());
 }
 
-TEST(Clock, IdleLimitInTheMenuEndsTheSessionWithItsRecords)
-{
+TEST(Clock, IdleLimitInTheMenuEndsTheSessionWithItsRecords) {
     // 120 seconds of the console's clock are 6 real seconds at twenty times the speed: room for
     // the login, which keys keep alive, and the menu, which nobody touches.
     const auto start = std::chrono::steady_clock::now();
     Session s("default", {.settings = {{"lanyx-timeout", "120"}}, .faketime = "+0 x20"});
     ASSERT_TRUE(s.LogIn());
-    ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 20s));
+    ASSERT_TRUE(
+        s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 20s));
     // The limit runs from the last key, typed after the start: it cannot end any sooner.
     EXPECT_GE(std::chrono::steady_clock::now() - start, 5900ms);
     EXPECT_TRUE(s.AwaitWelcome());
-    EXPECT_TRUE(s.Host().WaitForLine(Record::Audit,
-                                     "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
+    EXPECT_TRUE(s.Host().WaitForLine(
+        Record::Audit,
+        "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
     EXPECT_TRUE(s.Host().Matching(Record::Syslog, "]: User root logged out\n").empty());
 }
 

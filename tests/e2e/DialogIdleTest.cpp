@@ -18,8 +18,7 @@ namespace {
 // each of which restarts the clock.
 constexpr const char* kSpeed = "+0 x20";
 
-::testing::AssertionResult OpenTroubleshooting(Session& s, const std::string& line)
-{
+::testing::AssertionResult OpenTroubleshooting(Session& s, const std::string& line) {
     if (auto opened = s.OpenEntry("Troubleshooting Options"); !opened)
         return opened;
     if (auto shown = s.Screen().WaitForText("Troubleshooting Mode Options"); !shown)
@@ -28,8 +27,8 @@ constexpr const char* kSpeed = "+0 x20";
 }
 
 // Behind F12 from the welcome screen, then `keys` in the shutdown dialog.
-::testing::AssertionResult OpenShutdown(Session& s, std::initializer_list<std::string_view> keys = {})
-{
+::testing::AssertionResult OpenShutdown(Session& s,
+                                        std::initializer_list<std::string_view> keys = {}) {
     if (!s.Key(Keys::F(12)) || !s.Screen().WaitForText("Authentication Required") || !s.Settle())
         return ::testing::AssertionFailure() << "no login box behind F12";
     if (!s.Type("root") || !s.Key(Keys::Enter) || !s.Type(kRootPassword) || !s.Key(Keys::Enter))
@@ -40,8 +39,7 @@ constexpr const char* kSpeed = "+0 x20";
 }
 
 ::testing::AssertionResult OpenMenuEntry(Session& s, const std::string& entry,
-                                         std::initializer_list<std::string_view> keys)
-{
+                                         std::initializer_list<std::string_view> keys) {
     if (auto in = s.LogIn(); !in)
         return in;
     if (auto selected = s.SelectEntry(entry); !selected)
@@ -49,8 +47,7 @@ constexpr const char* kSpeed = "+0 x20";
     return s.Press(keys);
 }
 
-TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog)
-{
+TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog) {
     struct Case {
         const char* name;
         std::string term;
@@ -61,17 +58,23 @@ TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog)
         const char* hostname = "changed-host"; // what the host has after the limit
     };
     const std::vector<Case> cases = {
-        {"troubleshooting menu", "xterm-256color", [](Session& s) { return OpenTroubleshooting(s, ""); },
-         "Restart Management Agents"},
+        {"troubleshooting menu", "xterm-256color",
+         [](Session& s) { return OpenTroubleshooting(s, ""); }, "Restart Management Agents"},
         {"shell time-outs", "xterm-256color",
-         [](Session& s) { return OpenTroubleshooting(s, "Modify Ostra Shell and SSH"); }, "Availability timeout"},
+         [](Session& s) { return OpenTroubleshooting(s, "Modify Ostra Shell and SSH"); },
+         "Availability timeout"},
         {"console time-out", "xterm-256color",
-         [](Session& s) { return OpenTroubleshooting(s, "Modify LANYX idle timeout"); }, "LANYX idle timeout"},
-        {"password", "xterm-256color", [](Session& s) { return s.OpenEntry("Configure Password"); }, "Old Password:"},
-        {"keyboard", "xterm", [](Session& s) { return s.OpenEntry("Configure Keyboard"); }, "( ) Belgian"},
-        {"shutdown", "xterm-256color", [](Session& s) { return OpenShutdown(s); }, "<F2> Shut Down", false},
-        {"waiting for the host to go down", "xterm-256color", [](Session& s) { return OpenShutdown(s, {Keys::F(2)}); },
-         "Shutdown in progress...", false, "off"},
+         [](Session& s) { return OpenTroubleshooting(s, "Modify LANYX idle timeout"); },
+         "LANYX idle timeout"},
+        {"password", "xterm-256color", [](Session& s) { return s.OpenEntry("Configure Password"); },
+         "Old Password:"},
+        {"keyboard", "xterm", [](Session& s) { return s.OpenEntry("Configure Keyboard"); },
+         "( ) Belgian"},
+        {"shutdown", "xterm-256color", [](Session& s) { return OpenShutdown(s); }, "<F2> Shut Down",
+         false},
+        {"waiting for the host to go down", "xterm-256color",
+         [](Session& s) { return OpenShutdown(s, {Keys::F(2)}); }, "Shutdown in progress...", false,
+         "off"},
         {"lockdown", "xterm-256color",
          [](Session& s) { return OpenMenuEntry(s, "Configure Lockdown Mode", {Keys::Enter}); },
          "<Space> Toggle Selected", false},
@@ -80,7 +83,9 @@ TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog)
          "Reset System Configuration now?", false},
         // Reset, not restarted.
         {"restart after the reset", "xterm-256color",
-         [](Session& s) { return OpenMenuEntry(s, "Reset System Configuration", {Keys::Enter, Keys::F(11)}); },
+         [](Session& s) {
+             return OpenMenuEntry(s, "Reset System Configuration", {Keys::Enter, Keys::F(11)});
+         },
          "Default settings are restored.", false, "on", "lanyx-lab01"},
     };
     for (const Case& c : cases) {
@@ -93,11 +98,13 @@ TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog)
         }
         ASSERT_TRUE(c.open(s));
         ASSERT_TRUE(s.Screen().WaitForText(c.shown));
-        ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 20s));
+        ASSERT_TRUE(
+            s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 20s));
         EXPECT_TRUE(s.AwaitWelcome());
         EXPECT_FALSE(s.Screen().CursorVisible());
-        EXPECT_TRUE(s.Host().WaitForLine(Record::Audit,
-                                         "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
+        EXPECT_TRUE(s.Host().WaitForLine(
+            Record::Audit,
+            "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
         // Nothing of the dialog was applied.
         EXPECT_TRUE(s.Host().Matching(Record::Syslog, "has changed").empty());
         EXPECT_TRUE(s.Host().Matching(Record::Syslog, "Modified").empty());
@@ -110,8 +117,7 @@ TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog)
     }
 }
 
-TEST(DialogIdle, NewConsoleLimitCountsFromTheNextKey)
-{
+TEST(DialogIdle, NewConsoleLimitCountsFromTheNextKey) {
     // No limit at the start: the session would stay open for ever.
     Session s("default", {.settings = {{"lanyx-timeout", "0"}}, .faketime = kSpeed});
     ASSERT_TRUE(s.LogIn());
@@ -120,7 +126,8 @@ TEST(DialogIdle, NewConsoleLimitCountsFromTheNextKey)
     ASSERT_TRUE(s.Type("1") && s.Key(Keys::Enter));
     ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: Modified Lanyx timeout to 1 minutes"));
     // A minute of the console's clock is three real seconds.
-    ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 15s));
+    ASSERT_TRUE(
+        s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 15s));
     EXPECT_TRUE(s.AwaitWelcome());
 }
 

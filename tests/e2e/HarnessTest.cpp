@@ -12,16 +12,14 @@ using namespace LanyxE2E;
 
 namespace {
 
-ConsoleOptions Probe(std::vector<std::string> args = {})
-{
+ConsoleOptions Probe(std::vector<std::string> args = {}) {
     ConsoleOptions options;
     options.argv.push_back(E2E_KEYPROBE);
     options.argv.insert(options.argv.end(), args.begin(), args.end());
     return options;
 }
 
-ConsoleOptions Shell(const std::string& script)
-{
+ConsoleOptions Shell(const std::string& script) {
     ConsoleOptions options;
     options.argv = {"/bin/sh", "-c", script};
     return options;
@@ -29,25 +27,24 @@ ConsoleOptions Shell(const std::string& script)
 
 } // namespace
 
-TEST(HarnessConsole, KeysArriveAsCursesDecodesThem)
-{
+TEST(HarnessConsole, KeysArriveAsCursesDecodesThem) {
     Console probe(Probe());
     ASSERT_TRUE(probe.WaitForText("probe ready"));
     // One refresh may reach the terminal in several reads.
     ASSERT_TRUE(probe.WaitForText("size 80x25"));
     EXPECT_EQ(probe.Row(1), "size 80x25");
     const std::pair<std::string_view, int> keys[] = {
-        {Keys::F(1), 265},   {Keys::F(5), 269},   {Keys::F(12), 276},   {Keys::Up, 259},
-        {Keys::Home, 262},   {Keys::Delete, 330}, {Keys::PageDown, 338}, {Keys::Backspace, 263},
-        {Keys::Enter, 10}};
+        {Keys::F(1), 265},     {Keys::F(5), 269},      {Keys::F(12), 276},
+        {Keys::Up, 259},       {Keys::Home, 262},      {Keys::Delete, 330},
+        {Keys::PageDown, 338}, {Keys::Backspace, 263}, {Keys::Enter, 10}};
     for (const auto& [bytes, code] : keys) {
         probe.Send(bytes);
-        ASSERT_TRUE(probe.WaitForText("key " + std::to_string(code))) << "for bytes of key " << code;
+        ASSERT_TRUE(probe.WaitForText("key " + std::to_string(code)))
+            << "for bytes of key " << code;
     }
 }
 
-TEST(HarnessConsole, CellsCarryColoursAttributesAndPalette)
-{
+TEST(HarnessConsole, CellsCarryColoursAttributesAndPalette) {
     Console probe(Probe());
     ASSERT_TRUE(probe.WaitForText("rev"));
     const Cell dim = probe.CellAt(2, 0);
@@ -65,8 +62,7 @@ TEST(HarnessConsole, CellsCarryColoursAttributesAndPalette)
     EXPECT_EQ(probe.CellAt(24, 79).text, "─");
 }
 
-TEST(HarnessConsole, EndsAreReportedAndTheTerminalModesShown)
-{
+TEST(HarnessConsole, EndsAreReportedAndTheTerminalModesShown) {
     Console probe(Probe());
     ASSERT_TRUE(probe.WaitForText("probe ready"));
     EXPECT_TRUE(probe.AltScreen());
@@ -98,12 +94,13 @@ TEST(HarnessConsole, EndsAreReportedAndTheTerminalModesShown)
     const auto missing = quick.WaitForText("never shown", 10s);
     EXPECT_FALSE(missing);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
-    EXPECT_NE(std::string(missing.message()).find("hello there"), std::string::npos) << missing.message();
-    EXPECT_NE(std::string(missing.message()).find("exited with status 4"), std::string::npos) << missing.message();
+    EXPECT_NE(std::string(missing.message()).find("hello there"), std::string::npos)
+        << missing.message();
+    EXPECT_NE(std::string(missing.message()).find("exited with status 4"), std::string::npos)
+        << missing.message();
 }
 
-TEST(HarnessConsole, OutputBeyondTheTerminalBufferIsDrained)
-{
+TEST(HarnessConsole, OutputBeyondTheTerminalBufferIsDrained) {
     Console probe(Probe());
     probe.SendKey("b");
     ASSERT_TRUE(probe.ExitsWith(5));
@@ -112,8 +109,7 @@ TEST(HarnessConsole, OutputBeyondTheTerminalBufferIsDrained)
 
 // Keys sent with SendKey wait until the program reads: none is lost to a flush of the input,
 // and a child that has the terminal gets them.
-TEST(HarnessConsole, SendKeyWaitsForTheReaderItselfOrItsChild)
-{
+TEST(HarnessConsole, SendKeyWaitsForTheReaderItselfOrItsChild) {
     Console probe(Probe());
     ASSERT_TRUE(probe.SendKey("f"));
     ASSERT_TRUE(probe.SendKey("a"));

@@ -16,24 +16,20 @@ namespace {
 constexpr const char* kMessage = "If you are having difficulty using your keyboard";
 
 // A plain xterm counts as the machine's own screen; the host starts on Croatian, the third layout.
-SessionOptions ConsoleScreen()
-{
+SessionOptions ConsoleScreen() {
     return {.settings = {{"keyboard-layout", "Croatian"}}, .term = "xterm"};
 }
 
-json Keyboard(const HostRoot& host)
-{
+json Keyboard(const HostRoot& host) {
     const json state = host.State();
     return {{"layout", state["keyboard"]["layout"]}, {"loaded", state["keyboard"]["loaded"]}};
 }
 
-size_t Changes(const HostRoot& host, const std::string& layout)
-{
+size_t Changes(const HostRoot& host, const std::string& layout) {
     return host.Matching(Record::Syslog, "]: Keyboard Layout changed to " + layout).size();
 }
 
-TEST(Keyboard, ChosenFromTheMenu)
-{
+TEST(Keyboard, ChosenFromTheMenu) {
     Session s("default", ConsoleScreen());
     Console& console = s.Screen();
     HostRoot& host = s.Host();
@@ -42,17 +38,23 @@ TEST(Keyboard, ChosenFromTheMenu)
     struct Round {
         const char* name;
         std::vector<std::string_view> keys;
-        json keyboard;   // afterwards
+        json keyboard;    // afterwards
         std::string pane; // the layout the menu shows afterwards
     };
     const std::vector<Round> rounds = {
-        {"Esc changes nothing", {Keys::Down, " ", Keys::Escape}, {{"layout", "Croatian"}, {"loaded", "US Default"}},
+        {"Esc changes nothing",
+         {Keys::Down, " ", Keys::Escape},
+         {{"layout", "Croatian"}, {"loaded", "US Default"}},
          "Croatian"},
-        {"Space ticks the selected line", {Keys::Down, " ", Keys::Enter},
-         {{"layout", "Brazilian"}, {"loaded", "Brazilian"}}, "Brazilian"},
+        {"Space ticks the selected line",
+         {Keys::Down, " ", Keys::Enter},
+         {{"layout", "Brazilian"}, {"loaded", "Brazilian"}},
+         "Brazilian"},
         // Moving alone ticks nothing: Enter applies the ticked layout again, with its log line.
-        {"moving alone ticks nothing", {Keys::Down, Keys::Down, Keys::Down, Keys::Enter},
-         {{"layout", "Brazilian"}, {"loaded", "Brazilian"}}, "Brazilian"},
+        {"moving alone ticks nothing",
+         {Keys::Down, Keys::Down, Keys::Down, Keys::Enter},
+         {{"layout", "Brazilian"}, {"loaded", "Brazilian"}},
+         "Brazilian"},
     };
     for (const Round& round : rounds) {
         SCOPED_TRACE(round.name);
@@ -71,8 +73,7 @@ TEST(Keyboard, ChosenFromTheMenu)
     EXPECT_EQ(Changes(host, "Croatian"), 0u);
 }
 
-TEST(Keyboard, TickedLayoutShownAndKeptBySpaceOnIt)
-{
+TEST(Keyboard, TickedLayoutShownAndKeptBySpaceOnIt) {
     Session s("default", ConsoleScreen());
     Console& console = s.Screen();
     ASSERT_TRUE(s.LogIn());
@@ -86,8 +87,7 @@ TEST(Keyboard, TickedLayoutShownAndKeptBySpaceOnIt)
     ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: Keyboard Layout changed to Croatian"));
 }
 
-TEST(Keyboard, ChosenAtTheLoginBeforeAnyoneLogsIn)
-{
+TEST(Keyboard, ChosenAtTheLoginBeforeAnyoneLogsIn) {
     Session s("default", ConsoleScreen());
     Console& console = s.Screen();
     HostRoot& host = s.Host();
@@ -101,7 +101,8 @@ TEST(Keyboard, ChosenAtTheLoginBeforeAnyoneLogsIn)
     EXPECT_EQ(Changes(host, "Belgian"), 1u);
     // The box is as before: the login goes on from the name line.
     ASSERT_TRUE(s.Press({Keys::Down}));
-    ASSERT_TRUE(s.Type("root") && s.Key(Keys::Enter) && s.Type(kRootPassword) && s.Key(Keys::Enter));
+    ASSERT_TRUE(s.Type("root") && s.Key(Keys::Enter) && s.Type(kRootPassword) &&
+                s.Key(Keys::Enter));
     EXPECT_TRUE(console.WaitForText("System Customization"));
 }
 

@@ -20,8 +20,7 @@ constexpr const char* kPasswordFooter = "<Enter> OK  <Esc> Cancel";
 constexpr const char* kPinHint = "<F3> Switch PIN/Password Login";
 
 // What a field row shows between its brackets, trailing blanks removed.
-std::string FieldValue(const Console& console, int line)
-{
+std::string FieldValue(const Console& console, int line) {
     const std::string row = console.Text(kListRow + line, kTextColumn, kRowWidth);
     const size_t open = row.find(" [ ");
     const size_t close = row.rfind(" ]");
@@ -31,34 +30,32 @@ std::string FieldValue(const Console& console, int line)
 }
 
 // The label of a field row: what stands before the blanks that lead to the field.
-std::string FieldLabel(const Console& console, int line)
-{
+std::string FieldLabel(const Console& console, int line) {
     const std::string row = console.Text(kListRow + line, kTextColumn, kRowWidth);
     return Trimmed(row.substr(0, row.find(" [ ")));
 }
 
 // White on black; a terminal without its own palette shows it in reverse instead.
-bool Selected(const Console& console, int line)
-{
+bool Selected(const Console& console, int line) {
     const Cell cell = console.CellAt(kListRow + line, kTextColumn);
     return (cell.bg.IsIndex(0) && cell.fg.IsIndex(7)) || cell.reverse;
 }
 
 // The message in the title pane, its two lines joined.
-std::string Message(const Console& console, int row = kMessageRow)
-{
-    return Trimmed(console.Text(row, kTextColumn, 54) + " " + console.Text(row + 1, kTextColumn, 54));
+std::string Message(const Console& console, int row = kMessageRow) {
+    return Trimmed(console.Text(row, kTextColumn, 54) + " " +
+                   console.Text(row + 1, kTextColumn, 54));
 }
 
 // ---------------------------------------------------------------- the box
 
-TEST(Login, PasswordModeLooksAndMoves)
-{
+TEST(Login, PasswordModeLooksAndMoves) {
     Session s;
     Console& console = s.Screen();
     ASSERT_TRUE(s.OpenLogin());
     EXPECT_EQ(console.Find(kTitle), std::make_pair(kTitleRow, kTextColumn)) << console.Describe();
-    EXPECT_EQ(Message(console), "Enter an authorized login name and password for lanyx-lab01.lab.example.test.");
+    EXPECT_EQ(Message(console),
+              "Enter an authorized login name and password for lanyx-lab01.lab.example.test.");
     // No keyboard line outside console mode: the name is line 0, selected, with the cursor.
     EXPECT_EQ(FieldLabel(console, 0), "Login Name:");
     EXPECT_EQ(FieldValue(console, 0), "root");
@@ -67,7 +64,8 @@ TEST(Login, PasswordModeLooksAndMoves)
     EXPECT_TRUE(Selected(console, 0));
     EXPECT_FALSE(Selected(console, 1));
     EXPECT_TRUE(console.CursorVisible());
-    EXPECT_EQ(console.Text(kFooterRow, kBoxColumn + 1, 57), std::string(57 - 24, ' ') + kPasswordFooter);
+    EXPECT_EQ(console.Text(kFooterRow, kBoxColumn + 1, 57),
+              std::string(57 - 24, ' ') + kPasswordFooter);
     EXPECT_FALSE(console.Find(kPinHint));
 
     // Enter on the name moves on without an attempt; Tab on the last line goes back to line 0;
@@ -105,8 +103,7 @@ TEST(Login, PasswordModeLooksAndMoves)
     EXPECT_EQ(FieldValue(console, 1), "");
 }
 
-TEST(Login, ConsoleModeAddsTheKeyboardLine)
-{
+TEST(Login, ConsoleModeAddsTheKeyboardLine) {
     // A plain xterm outside a remote session counts as the machine's own screen.
     Session s("default", {.settings = {{"keyboard-layout", "German"}}, .term = "xterm"});
     Console& console = s.Screen();
@@ -130,21 +127,21 @@ TEST(Login, ConsoleModeAddsTheKeyboardLine)
 
 // ---------------------------------------------------------------- the attempt
 
-TEST(Login, RefusalsThenSuccessWithTheirRecords)
-{
+TEST(Login, RefusalsThenSuccessWithTheirRecords) {
     struct Refusal {
         std::string name, secret, log, auditReason, event, message;
     };
     const std::vector<Refusal> refusals = {
         {"root", "wrong-Pass1", "Authentication of user root failed", "Invalid login",
          "Authentication of user root failed", "Invalid login or password."},
-        {"guest", "guest-Pass1", "Access denied for user guest", "No permission", "Access denied for user guest",
-         "User does not have permission to login to LANYX."},
+        {"guest", "guest-Pass1", "Access denied for user guest", "No permission",
+         "Access denied for user guest", "User does not have permission to login to LANYX."},
         {"expired", "expired-Pass1", "Password has expired for user expired", "Password expired",
-         "Access denied for user expired", "You will be prompted to set a new password and then login again."},
+         "Access denied for user expired",
+         "You will be prompted to set a new password and then login again."},
         // An empty secret goes to PAM like any other.
-        {"nobody", "", "Authentication of user nobody failed", "Invalid login", "Authentication of user nobody failed",
-         "Invalid login or password."},
+        {"nobody", "", "Authentication of user nobody failed", "Invalid login",
+         "Authentication of user nobody failed", "Invalid login or password."},
     };
     Session s;
     Console& console = s.Screen();
@@ -183,11 +180,13 @@ TEST(Login, RefusalsThenSuccessWithTheirRecords)
         const auto audit = host.Lines(Record::Audit);
         ASSERT_EQ(audit.size(), i + 1);
         EXPECT_TRUE(audit.back().ends_with(" action=lanyx.login user=" + refusal.name +
-                                           " service=lanyx success=0 reason=\"" + refusal.auditReason + "\""))
+                                           " service=lanyx success=0 reason=\"" +
+                                           refusal.auditReason + "\""))
             << audit.back();
         const auto events = host.Lines(Record::Notad);
         ASSERT_EQ(events.size(), i + 1);
-        EXPECT_TRUE(events.back().ends_with(" @&!*@*@(nota.user.lanyx.login.failed)" + refusal.event))
+        EXPECT_TRUE(
+            events.back().ends_with(" @&!*@*@(nota.user.lanyx.login.failed)" + refusal.event))
             << events.back();
     }
 
@@ -203,24 +202,26 @@ TEST(Login, RefusalsThenSuccessWithTheirRecords)
     ASSERT_TRUE(host.WaitForLine(Record::Audit, "action=lanyx.logout"));
     // The PAM stack of the simulated host is complete: no configuration complaint in the log.
     EXPECT_TRUE(host.Matching(Record::Syslog, "_pam_init_handlers").empty());
-    for (const auto& [message, priority] : {std::pair{"Authentication of user root succeeded", " auth.emerg "},
-                                            std::pair{"User root logged in", " user.info "},
-                                            std::pair{"User root logged out", " user.info "}}) {
+    for (const auto& [message, priority] :
+         {std::pair{"Authentication of user root succeeded", " auth.emerg "},
+          std::pair{"User root logged in", " user.info "},
+          std::pair{"User root logged out", " user.info "}}) {
         const auto lines = host.Matching(Record::Syslog, std::string("]: ") + message);
         ASSERT_EQ(lines.size(), 1u) << message;
         EXPECT_NE(lines[0].find(priority), std::string::npos) << lines[0];
     }
     const auto audit = host.Lines(Record::Audit);
     ASSERT_EQ(audit.size(), refusals.size() + 2);
-    EXPECT_TRUE(audit[refusals.size()].ends_with(" action=lanyx.login user=root service=lanyx success=1"));
-    EXPECT_TRUE(audit.back().ends_with(" user=root service=lanyx success=1 reason=\"Session closed\""));
+    EXPECT_TRUE(
+        audit[refusals.size()].ends_with(" action=lanyx.login user=root service=lanyx success=1"));
+    EXPECT_TRUE(
+        audit.back().ends_with(" user=root service=lanyx success=1 reason=\"Session closed\""));
     EXPECT_EQ(host.Lines(Record::Notad).size(), refusals.size());
 }
 
 // ---------------------------------------------------------------- hosts of other kinds
 
-TEST(Login, SmartCardOpensInPinModeAndThePinGoesToPam)
-{
+TEST(Login, SmartCardOpensInPinModeAndThePinGoesToPam) {
     Session s("smartcard");
     Console& console = s.Screen();
     ASSERT_TRUE(s.OpenLogin());
@@ -235,11 +236,11 @@ TEST(Login, SmartCardOpensInPinModeAndThePinGoesToPam)
     s.Type(kRootPassword);
     s.Key(Keys::Enter);
     ASSERT_TRUE(s.AwaitWelcome());
-    EXPECT_TRUE(s.Host().WaitForLine(Record::Audit, "action=lanyx.login user=root service=lanyx success=1"));
+    EXPECT_TRUE(s.Host().WaitForLine(Record::Audit,
+                                     "action=lanyx.login user=root service=lanyx success=1"));
 }
 
-TEST(Login, ClosedConsoleDeniesEvenWithACard)
-{
+TEST(Login, ClosedConsoleDeniesEvenWithACard) {
     Session s("no-login", {.settings = {{"smartcard-user", "root"}, {"domain", ""}}});
     Console& console = s.Screen();
     ASSERT_TRUE(s.AwaitWelcome());

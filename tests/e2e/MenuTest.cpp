@@ -17,77 +17,91 @@ namespace {
 // titles on row 1, footers on row 22.
 constexpr int kTop = 4, kListColumn = 3, kDetailColumn = 42;
 
-std::string RightFooter(const Console& console) { return console.Text(22, 41, 37); }
+std::string RightFooter(const Console& console) {
+    return console.Text(22, 41, 37);
+}
 
-bool Greyed(const Console& console, int line)
-{
+bool Greyed(const Console& console, int line) {
     const Cell cell = console.CellAt(kTop + line, kListColumn);
     return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
 }
 
 // The list (or the right pane) as shown, lines joined with '\n', trailing empty lines dropped.
-std::string Column(const Console& console, int column, int width)
-{
+std::string Column(const Console& console, int column, int width) {
     std::string text;
     for (int row = kTop; row < kTop + 18; ++row)
         text += console.Text(row, column, width) + "\n";
     return text.erase(text.find_last_not_of('\n') + 1);
 }
 
-std::string Detail(const Console& console) { return Column(console, kDetailColumn, 36); }
+std::string Detail(const Console& console) {
+    return Column(console, kDetailColumn, 36);
+}
 
 // The console on `profile` after a login as root, the first entry selected.
-std::unique_ptr<Session> LogIn(const std::string& profile = "default", SessionOptions options = {})
-{
+std::unique_ptr<Session> LogIn(const std::string& profile = "default",
+                               SessionOptions options = {}) {
     auto s = std::make_unique<Session>(profile, std::move(options));
     EXPECT_TRUE(s->LogIn());
     EXPECT_EQ(s->RightTitle(), "Configure Password");
     return s;
 }
 
-const std::string kDefaultList =
-    "Configure Password\nConfigure Lockdown Mode\n\nConfigure Management Network\nRestart Management Network\n"
-    "Test Management Network\nNetwork Restore Options\n\nTroubleshooting Options\n\nView System Logs\n\n"
-    "View Support Information\n\nReset System Configuration";
+const std::string kDefaultList = "Configure Password\nConfigure Lockdown Mode\n\nConfigure "
+                                 "Management Network\nRestart Management Network\n"
+                                 "Test Management Network\nNetwork Restore "
+                                 "Options\n\nTroubleshooting Options\n\nView System Logs\n\n"
+                                 "View Support Information\n\nReset System Configuration";
 
 // ---------------------------------------------------------------- entries and panes
 
-TEST(Menu, DefaultHostMenuAfterLoginAndLogout)
-{
+TEST(Menu, DefaultHostMenuAfterLoginAndLogout) {
     auto s = LogIn();
     Console& console = s->Screen();
     EXPECT_EQ(Column(console, kListColumn, 35), kDefaultList) << console.Describe();
-    EXPECT_EQ(Detail(console), "Set\n\nTo prevent unauthorized access to\nthis system, set the password for\nthe user.");
+    EXPECT_EQ(
+        Detail(console),
+        "Set\n\nTo prevent unauthorized access to\nthis system, set the password for\nthe user.");
     EXPECT_EQ(RightFooter(console), "<Enter> Change          <Esc> Log Out");
     EXPECT_EQ(console.Text(22, 2, 37), "<Up/Down> Select");
-    EXPECT_TRUE(console.Row(24).find("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ") != std::string::npos);
+    EXPECT_TRUE(console.Row(24).find("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ") !=
+                std::string::npos);
     EXPECT_TRUE(console.CellAt(kTop, kDetailColumn).fg.IsIndex(7)) << "the value in white";
 
     ASSERT_TRUE(s->SelectEntry("Configure Lockdown Mode"));
-    EXPECT_TRUE(Detail(console).starts_with("Disabled\n\nWhen enabled, lockdown mode")) << console.Describe();
+    EXPECT_TRUE(Detail(console).starts_with("Disabled\n\nWhen enabled, lockdown mode"))
+        << console.Describe();
     ASSERT_TRUE(s->SelectEntry("Reset System Configuration"));
     EXPECT_EQ(RightFooter(console), "<Enter> Reset           <Esc> Log Out");
     s->Key(Keys::Escape);
     EXPECT_TRUE(s->AwaitWelcome());
 }
 
-TEST(Menu, EntriesGreyedAndSkippedByHost)
-{
+TEST(Menu, EntriesGreyedAndSkippedByHost) {
     struct Case {
         std::string profile, term;
-        std::vector<int> greyed;        // list lines
-        std::vector<std::string> walk;  // what Down selects, from the first entry to the last it reaches
+        std::vector<int> greyed; // list lines
+        std::vector<std::string>
+            walk; // what Down selects, from the first entry to the last it reaches
     };
     const std::vector<Case> cases = {
-        {"pxe-boot", "xterm-256color", {14}, {"Configure Lockdown Mode", "Configure Management Network",
-                                              "Restart Management Network", "Test Management Network",
-                                              "Network Restore Options", "Troubleshooting Options", "View System Logs",
-                                              "View Support Information", "View Support Information"}},
-        {"no-nics", "xterm-256color", {3, 4, 5}, {"Configure Lockdown Mode", "Network Restore Options"}},
+        {"pxe-boot",
+         "xterm-256color",
+         {14},
+         {"Configure Lockdown Mode", "Configure Management Network", "Restart Management Network",
+          "Test Management Network", "Network Restore Options", "Troubleshooting Options",
+          "View System Logs", "View Support Information", "View Support Information"}},
+        {"no-nics",
+         "xterm-256color",
+         {3, 4, 5},
+         {"Configure Lockdown Mode", "Network Restore Options"}},
         // A plain xterm counts as the machine's own screen: the keyboard line comes in.
-        {"default", "xterm", {}, {"Configure Lockdown Mode", "Configure Management Network",
-                                  "Restart Management Network", "Test Management Network", "Network Restore Options",
-                                  "Configure Keyboard", "Troubleshooting Options"}},
+        {"default",
+         "xterm",
+         {},
+         {"Configure Lockdown Mode", "Configure Management Network", "Restart Management Network",
+          "Test Management Network", "Network Restore Options", "Configure Keyboard",
+          "Troubleshooting Options"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.profile + " on " + c.term);
@@ -100,23 +114,30 @@ TEST(Menu, EntriesGreyedAndSkippedByHost)
             ASSERT_TRUE(s->Settle());
             ASSERT_EQ(s->RightTitle(), title);
             if (title == "Configure Keyboard") {
-                EXPECT_EQ(Detail(console), "US Default\n\nTo select the layout type for the\nkeyboard of this host, "
-                                           "press\n<Enter>.");
+                EXPECT_EQ(Detail(console),
+                          "US Default\n\nTo select the layout type for the\nkeyboard of this host, "
+                          "press\n<Enter>.");
             }
         }
     }
 }
 
-TEST(Menu, ManagementNetworkSummary)
-{
-    const std::string help = "To view or modify this host's\nmanagement network settings in\ndetail, press <Enter>.";
+TEST(Menu, ManagementNetworkSummary) {
+    const std::string help =
+        "To view or modify this host's\nmanagement network settings in\ndetail, press <Enter>.";
     const std::string head = "Hostname:\nlanyx-lab01\n\nIPv4 Address:\n";
     const std::vector<std::pair<std::string, std::string>> cases = {
-        {"default", head + "192.168.10.21\n\nIPv6 Addresses:\nfe80::250:56ff:fe6a:1001/64\n\n" + help},
-        {"dhcp", head + "192.168.10.57\n\nNetwork identity acquired from DHCP\nserver 192.168.10.254\n\n"
-                        "IPv6 Addresses:\nfe80::250:56ff:fe6a:1001/64\n\n" + help},
+        {"default",
+         head + "192.168.10.21\n\nIPv6 Addresses:\nfe80::250:56ff:fe6a:1001/64\n\n" + help},
+        {"dhcp",
+         head +
+             "192.168.10.57\n\nNetwork identity acquired from DHCP\nserver 192.168.10.254\n\n"
+             "IPv6 Addresses:\nfe80::250:56ff:fe6a:1001/64\n\n" +
+             help},
         // Of six addresses, two and a mark.
-        {"ipv6", head + "192.168.10.21\n\nIPv6 Addresses:\nfe80::250:56ff:fe6a:1001/64\n2001:db8:10::21/64\n...\n\n" +
+        {"ipv6", head +
+                     "192.168.10.21\n\nIPv6 "
+                     "Addresses:\nfe80::250:56ff:fe6a:1001/64\n2001:db8:10::21/64\n...\n\n" +
                      help},
     };
     for (const auto& [profile, summary] : cases) {
@@ -132,11 +153,13 @@ TEST(Menu, ManagementNetworkSummary)
     Console& console = s->Screen();
     s->Host().Fault({"lib", "NetworkInfoImpl::GetManagementInterface", "simulated failure"});
     ASSERT_TRUE(s->SelectEntry("Configure Management Network"));
-    EXPECT_TRUE(Detail(console).starts_with("Hostname:\nUnknown\n\nIPv4 Address:\nUnknown\n\nIPv6 Addresses:\n"
-                                            "Unknown\n\n"))
+    EXPECT_TRUE(Detail(console).starts_with(
+        "Hostname:\nUnknown\n\nIPv4 Address:\nUnknown\n\nIPv6 Addresses:\n"
+        "Unknown\n\n"))
         << console.Describe();
     ASSERT_TRUE(s->OpenEntry("Restart Management Network"));
-    EXPECT_TRUE(console.Find("Operation on the management network interface failed.")) << console.Describe();
+    EXPECT_TRUE(console.Find("Operation on the management network interface failed."))
+        << console.Describe();
     EXPECT_TRUE(console.Find("Restart Management Network: Error"));
     s->Key(Keys::Enter);
     ASSERT_TRUE(s->Settle());
@@ -145,19 +168,21 @@ TEST(Menu, ManagementNetworkSummary)
 
 // ---------------------------------------------------------------- support pages and logs
 
-TEST(Menu, SupportPagesTurnAndStartOverOnReturn)
-{
+TEST(Menu, SupportPagesTurnAndStartOverOnReturn) {
     auto s = LogIn();
     Console& console = s->Screen();
     ASSERT_TRUE(s->SelectEntry("View Support Information"));
     EXPECT_EQ(RightFooter(console), "                        <Esc> Log Out");
-    const auto white = [&](int column) { return console.CellAt(kTop, kDetailColumn + column).fg.IsIndex(7); };
+    const auto white = [&](int column) {
+        return console.CellAt(kTop, kDetailColumn + column).fg.IsIndex(7);
+    };
     // After each key, the page the header names.
     const auto page = [&](std::string_view key, const std::string& number) {
         if (!key.empty())
             s->Key(key);
         EXPECT_TRUE(s->Settle());
-        return console.Text(kTop, kDetailColumn, 36) == "<Page Up>       " + number + "     <Page Down>";
+        return console.Text(kTop, kDetailColumn, 36) ==
+               "<Page Up>       " + number + "     <Page Down>";
     };
     ASSERT_TRUE(page("", "1/3"));
     EXPECT_TRUE(!white(0) && white(16) && white(24)) << "Page Up grey on the first page";
@@ -165,8 +190,9 @@ TEST(Menu, SupportPagesTurnAndStartOverOnReturn)
     EXPECT_TRUE(white(0));
     ASSERT_TRUE(page(Keys::PageDown, "3/3"));
     EXPECT_FALSE(white(24)) << "Page Down grey on the last page";
-    EXPECT_EQ(Detail(console), "<Page Up>       3/3     <Page Down>\nOn the web\n\nKnowledge base:\n"
-                               "https://support.example.test/kb");
+    EXPECT_EQ(Detail(console),
+              "<Page Up>       3/3     <Page Down>\nOn the web\n\nKnowledge base:\n"
+              "https://support.example.test/kb");
     // Page Down at the end does nothing; leaving the entry and coming back starts at page 1.
     ASSERT_TRUE(page(Keys::PageDown, "3/3"));
     ASSERT_TRUE(page(Keys::PageUp, "2/3"));
@@ -176,15 +202,15 @@ TEST(Menu, SupportPagesTurnAndStartOverOnReturn)
     EXPECT_TRUE(page("", "1/3"));
 }
 
-TEST(Menu, LogTableNumbersThePresentLogsAndThePagerComesBack)
-{
+TEST(Menu, LogTableNumbersThePresentLogsAndThePagerComesBack) {
     auto s = LogIn();
     Console& console = s->Screen();
     s->Host().Remove("/var/log/tessel.log");
     ASSERT_TRUE(s->SelectEntry("View System Logs"));
-    EXPECT_EQ(Detail(console), "<1> Syslog\n<2> Config\n<3> Management Agent (helmd)\n"
-                               "<4> High Availibility Agent (cairnd)\n<5> Zephora Ostra Observation log\n(notad)\n\n"
-                               "Press the corresponding key to view\na log.\nPress <Q> to return to this screen.");
+    EXPECT_EQ(Detail(console),
+              "<1> Syslog\n<2> Config\n<3> Management Agent (helmd)\n"
+              "<4> High Availibility Agent (cairnd)\n<5> Zephora Ostra Observation log\n(notad)\n\n"
+              "Press the corresponding key to view\na log.\nPress <Q> to return to this screen.");
 
     // A digit without a row, and digits on other entries, do nothing.
     s->Key("6");

@@ -16,8 +16,7 @@ namespace {
 
 constexpr int kTop = 4, kDetailColumn = 42;
 
-std::string Detail(const Console& console)
-{
+std::string Detail(const Console& console) {
     std::string text;
     for (int row = kTop; row < kTop + 18; ++row)
         text += console.Text(row, kDetailColumn, 36) + "\n";
@@ -25,13 +24,14 @@ std::string Detail(const Console& console)
 }
 
 // `expected` stand among the system log's info lines in this order.
-::testing::AssertionResult InOrder(const std::vector<std::string>& lines, const std::vector<std::string>& expected)
-{
+::testing::AssertionResult InOrder(const std::vector<std::string>& lines,
+                                   const std::vector<std::string>& expected) {
     auto at = lines.begin();
     for (const std::string& line : expected) {
         at = std::find(at, lines.end(), line);
         if (at == lines.end()) {
-            auto failure = ::testing::AssertionFailure() << "missing or out of order: \"" << line << "\" in";
+            auto failure = ::testing::AssertionFailure()
+                           << "missing or out of order: \"" << line << "\" in";
             for (const std::string& l : lines)
                 failure << "\n  " << l;
             return failure;
@@ -44,8 +44,7 @@ std::string Detail(const Console& console)
 class Network : public ::testing::Test {
 protected:
     // Logged in, the network menu open on `entry`.
-    void Open(const std::string& entry)
-    {
+    void Open(const std::string& entry) {
         if (!s)
             s = std::make_unique<Session>(profile);
         ASSERT_TRUE(s->LogIn());
@@ -53,15 +52,13 @@ protected:
         ASSERT_TRUE(s->Screen().WaitForText("Configure Management Network"));
         ASSERT_TRUE(s->SelectEntry(entry));
     }
-    void Keys(std::initializer_list<std::string_view> keys)
-    {
+    void Keys(std::initializer_list<std::string_view> keys) {
         for (std::string_view key : keys)
             ASSERT_TRUE(s->Key(key));
         ASSERT_TRUE(s->Settle());
     }
     // Esc, "y" to the question, and back in the System Customization menu; then logged out.
-    void ApplyAndLogOut(const char* question = "Apply changes and restart management network?")
-    {
+    void ApplyAndLogOut(const char* question = "Apply changes and restart management network?") {
         s->Host().Mark();
         Keys({Keys::Escape});
         ASSERT_TRUE(s->Screen().WaitForText(question));
@@ -79,16 +76,16 @@ protected:
     std::vector<std::string> info;
 };
 
-TEST_F(Network, StaticToDhcpAndBack)
-{
+TEST_F(Network, StaticToDhcpAndBack) {
     Open("IPv4 Configuration");
     EXPECT_NE(Detail(s->Screen()).find("Manual"), std::string::npos);
     Keys({Keys::Enter, Keys::Down, " ", Keys::Enter});
     EXPECT_NE(Detail(s->Screen()).find("Automatic"), std::string::npos) << s->Screen().Describe();
     ApplyAndLogOut();
-    EXPECT_TRUE(InOrder(info, {"Setting adapters to hwport0 hwport1", "Switching to DHCP on tnic0",
-                               "Setting ipv6 configuration", "Setting hostname to lanyx-lab01",
-                               "Setting suffixes to lab.example.test", "Network settings changed."}));
+    EXPECT_TRUE(
+        InOrder(info, {"Setting adapters to hwport0 hwport1", "Switching to DHCP on tnic0",
+                       "Setting ipv6 configuration", "Setting hostname to lanyx-lab01",
+                       "Setting suffixes to lab.example.test", "Network settings changed."}));
     EXPECT_EQ(Tnic()["ipv4"]["mode"], "dhcp");
     EXPECT_EQ(Tnic()["ipv4"]["dhcpServer"], "192.168.10.254");
     EXPECT_TRUE(s->Screen().WaitForText("https://192.168.10.57/ (DHCP)"));
@@ -99,15 +96,15 @@ TEST_F(Network, StaticToDhcpAndBack)
     // The form opens on its first radio whichever is set.
     Keys({Keys::Enter, Keys::Down, Keys::Down, " ", Keys::Enter});
     ApplyAndLogOut();
-    EXPECT_TRUE(InOrder(info, {"Setting ipv4 configuration to 192.168.10.57 255.255.255.0 on tnic0",
-                               "Setting default gateway to 192.168.10.1", "Network settings changed."}));
+    EXPECT_TRUE(
+        InOrder(info, {"Setting ipv4 configuration to 192.168.10.57 255.255.255.0 on tnic0",
+                       "Setting default gateway to 192.168.10.1", "Network settings changed."}));
     EXPECT_EQ(Tnic()["ipv4"]["mode"], "static");
     EXPECT_EQ(Tnic()["ipv4"]["dhcpServer"], "0.0.0.0");
     EXPECT_TRUE(s->Screen().WaitForText("https://192.168.10.57/ (STATIC)"));
 }
 
-TEST_F(Network, NewAddressAndGatewayShownOnTheNextVisit)
-{
+TEST_F(Network, NewAddressAndGatewayShownOnTheNextVisit) {
     Open("IPv4 Configuration");
     // The static radio is set already; the address, then the gateway, each typed over whole.
     Keys({Keys::Enter, Keys::Down, Keys::Down, Keys::Down});
@@ -116,9 +113,10 @@ TEST_F(Network, NewAddressAndGatewayShownOnTheNextVisit)
     ASSERT_TRUE(s->Type("10.20.30.1"));
     Keys({Keys::Enter});
     ApplyAndLogOut();
-    EXPECT_TRUE(InOrder(info, {"Setting ipv4 configuration to 10.20.30.40 255.255.255.0 on tnic0",
-                               "Setting ipv6 configuration", "Setting default gateway to 10.20.30.1",
-                               "Setting nameservers to 192.168.10.2 192.168.10.3", "Network settings changed."}));
+    EXPECT_TRUE(InOrder(
+        info, {"Setting ipv4 configuration to 10.20.30.40 255.255.255.0 on tnic0",
+               "Setting ipv6 configuration", "Setting default gateway to 10.20.30.1",
+               "Setting nameservers to 192.168.10.2 192.168.10.3", "Network settings changed."}));
     EXPECT_EQ(Tnic()["ipv4"]["address"], "10.20.30.40");
     EXPECT_EQ(s->Host().State()["network"]["gateway"], "10.20.30.1");
     EXPECT_TRUE(s->Screen().WaitForText("https://10.20.30.40/ (STATIC)"));
@@ -134,8 +132,7 @@ TEST_F(Network, NewAddressAndGatewayShownOnTheNextVisit)
     EXPECT_TRUE(s->Host().Messages("user.info").empty());
 }
 
-TEST_F(Network, VlanChangeRestartsTheInterface)
-{
+TEST_F(Network, VlanChangeRestartsTheInterface) {
     Open("VLAN (optional)");
     EXPECT_EQ(Detail(s->Screen()).substr(0, 7), "Not set");
     Keys({Keys::Enter});
@@ -143,9 +140,10 @@ TEST_F(Network, VlanChangeRestartsTheInterface)
     Keys({Keys::Enter});
     EXPECT_EQ(Detail(s->Screen()).substr(0, 2), "42");
     ApplyAndLogOut();
-    EXPECT_TRUE(InOrder(info, {"Setting adapters to hwport0 hwport1", "Setting ipv6 configuration",
-                               "Changed vlan, restarting management interface", "Setting suffixes to lab.example.test",
-                               "Network settings changed."}));
+    EXPECT_TRUE(
+        InOrder(info, {"Setting adapters to hwport0 hwport1", "Setting ipv6 configuration",
+                       "Changed vlan, restarting management interface",
+                       "Setting suffixes to lab.example.test", "Network settings changed."}));
     const json state = s->Host().State();
     EXPECT_EQ(state["portGroups"][0]["vlan"], 42);
     EXPECT_EQ(state["libRecords"][0]["operation"], "TesselNicImpl::Disable");

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <vector>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -15,8 +15,7 @@ using LanyxTest::Record;
 
 namespace {
 
-TEST(NetworkTools, RestartStopsAndStartsTheInterface)
-{
+TEST(NetworkTools, RestartStopsAndStartsTheInterface) {
     struct Case {
         std::string profile;
         int renewals;
@@ -36,9 +35,12 @@ TEST(NetworkTools, RestartStopsAndStartsTheInterface)
 
         s.Key(Keys::F(11));
         ASSERT_TRUE(s.Screen().WaitForText("<Enter> OK"));
-        EXPECT_TRUE(s.Screen().Find("Stopping management network. Done.").has_value()) << s.Screen().Describe();
-        EXPECT_TRUE(s.Screen().Find("Starting management network.").has_value()) << s.Screen().Describe();
-        EXPECT_EQ(s.Screen().Find("   IP address is  192.168.10.21").has_value(), c.profile == "default")
+        EXPECT_TRUE(s.Screen().Find("Stopping management network. Done.").has_value())
+            << s.Screen().Describe();
+        EXPECT_TRUE(s.Screen().Find("Starting management network.").has_value())
+            << s.Screen().Describe();
+        EXPECT_EQ(s.Screen().Find("   IP address is  192.168.10.21").has_value(),
+                  c.profile == "default")
             << s.Screen().Describe();
         EXPECT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: Restarting tnic0"));
         EXPECT_TRUE(s.Host().WaitForLine(Record::Notad, "Restarting tnic0"));
@@ -55,18 +57,20 @@ TEST(NetworkTools, RestartStopsAndStartsTheInterface)
     }
 }
 
-TEST(NetworkTools, RestartWithoutInterfaceOrWithAFailingOne)
-{
+TEST(NetworkTools, RestartWithoutInterfaceOrWithAFailingOne) {
     struct Case {
         const char* name;
         std::function<void(LanyxTest::HostRoot&)> change;
         std::string message;
     };
     const std::vector<Case> cases = {
-        {"interface gone", [](LanyxTest::HostRoot& host) {
+        {"interface gone",
+         [](LanyxTest::HostRoot& host) {
              host.Edit([](nlohmann::json& state) { state["network"]["managementInterface"] = ""; });
-         }, "Management network interface cannot be found."},
-        {"stop fails", [](LanyxTest::HostRoot& host) { host.LibFault("TesselNicImpl::Disable", "link busy"); },
+         },
+         "Management network interface cannot be found."},
+        {"stop fails",
+         [](LanyxTest::HostRoot& host) { host.LibFault("TesselNicImpl::Disable", "link busy"); },
          "Operation on the management network interface failed."},
     };
     for (const Case& c : cases) {
@@ -85,8 +89,7 @@ TEST(NetworkTools, RestartWithoutInterfaceOrWithAFailingOne)
     }
 }
 
-TEST(NetworkTools, TestPingsResolvesAndRestoresTheHostsFile)
-{
+TEST(NetworkTools, TestPingsResolvesAndRestoresTheHostsFile) {
     SessionOptions options;
     // The second name server is down.
     options.settings = {{"ping-reachable", "192.168.10.1,192.168.10.2"}};
@@ -99,7 +102,8 @@ TEST(NetworkTools, TestPingsResolvesAndRestoresTheHostsFile)
     ASSERT_TRUE(s.OpenEntry("Test Management Network"));
     ASSERT_TRUE(s.Screen().WaitForText("Ping Address #3:"));
     EXPECT_TRUE(s.Screen().Find("192.168.10.3").has_value()) << s.Screen().Describe();
-    EXPECT_TRUE(s.Screen().Find("lanyx-lab01.lab.example.test").has_value()) << s.Screen().Describe();
+    EXPECT_TRUE(s.Screen().Find("lanyx-lab01.lab.example.test").has_value())
+        << s.Screen().Describe();
 
     s.Key(Keys::Enter);
     ASSERT_TRUE(s.Screen().WaitForText("Pinging address #1 (192.168.10.1)."));
@@ -109,7 +113,8 @@ TEST(NetworkTools, TestPingsResolvesAndRestoresTheHostsFile)
     ASSERT_TRUE(s.Screen().WaitForText("<Enter> OK", 30s));
     ASSERT_TRUE(s.Settle());
     const std::string screen = s.Screen().ScreenText();
-    EXPECT_NE(screen.find("Testing Management Network"), std::string::npos) << s.Screen().Describe();
+    EXPECT_NE(screen.find("Testing Management Network"), std::string::npos)
+        << s.Screen().Describe();
     for (const char* line : {"#1 (192.168.10.1).", "#2 (192.168.10.2).", "#3 (192.168.10.3).",
                              "Resolving hostname (lanyx-lab01.lab.example.test)."}) {
         const auto at = s.Screen().Find(line);
@@ -124,8 +129,7 @@ TEST(NetworkTools, TestPingsResolvesAndRestoresTheHostsFile)
     EXPECT_TRUE(s.Screen().WaitForTextGone("Testing Management Network"));
 }
 
-TEST(NetworkTools, EscapeLeavesASlowPingAtOnce)
-{
+TEST(NetworkTools, EscapeLeavesASlowPingAtOnce) {
     SessionOptions options;
     // Unanswered, a ping of three packets takes five intervals: 20 seconds here.
     options.settings = {{"ping-reachable", ""}};

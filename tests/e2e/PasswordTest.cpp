@@ -18,8 +18,7 @@ constexpr const char* kTitle = "Configure Password";
 constexpr const char* kNewPassword = "Better-Pass2";
 
 // What the field labelled `label` shows between its brackets.
-std::string Field(const Console& console, const std::string& label)
-{
+std::string Field(const Console& console, const std::string& label) {
     const auto at = console.Find(label);
     if (!at)
         return "<no field " + label + ">";
@@ -32,8 +31,7 @@ std::string Field(const Console& console, const std::string& label)
 }
 
 // The field row that is selected: white on black at the start of its label.
-bool Selected(const Console& console, const std::string& label)
-{
+bool Selected(const Console& console, const std::string& label) {
     const auto at = console.Find(label);
     if (!at)
         return false;
@@ -41,15 +39,14 @@ bool Selected(const Console& console, const std::string& label)
     return cell.bg.IsIndex(0) && cell.fg.IsIndex(7);
 }
 
-::testing::AssertionResult TypeIn(Session& s, std::string_view text, std::string_view key = Keys::Enter)
-{
+::testing::AssertionResult TypeIn(Session& s, std::string_view text,
+                                  std::string_view key = Keys::Enter) {
     if (!s.Type(text) || !s.Key(key))
         return ::testing::AssertionFailure() << "not typed";
     return s.Settle();
 }
 
-std::string Hash(const HostRoot& host, const std::string& user)
-{
+std::string Hash(const HostRoot& host, const std::string& user) {
     const json state = host.State();
     for (const json& account : state["accounts"])
         if (account["name"] == user)
@@ -58,12 +55,14 @@ std::string Hash(const HostRoot& host, const std::string& user)
 }
 
 // The records of one change by `user`: the log line, the event, the state save and the refresh.
-void ExpectChangeRecords(const HostRoot& host, const std::string& user)
-{
+void ExpectChangeRecords(const HostRoot& host, const std::string& user) {
     // The event comes last.
     ASSERT_TRUE(host.WaitForLine(Record::Notad, "Login password for user " + user + " changed"));
-    EXPECT_EQ(host.Matching(Record::Syslog, "]: Login password for user " + user + " has changed").size(), 1u);
-    EXPECT_EQ(host.Matching(Record::Notad, "(nota.user.lanyx.login.passwd.changed)Login password for user " + user)
+    EXPECT_EQ(
+        host.Matching(Record::Syslog, "]: Login password for user " + user + " has changed").size(),
+        1u);
+    EXPECT_EQ(host.Matching(Record::Notad,
+                            "(nota.user.lanyx.login.passwd.changed)Login password for user " + user)
                   .size(),
               1u);
     EXPECT_EQ(host.ToolRuns("stateSave.sh"), std::vector<std::string>{"0"});
@@ -72,8 +71,7 @@ void ExpectChangeRecords(const HostRoot& host, const std::string& user)
 
 // ---------------------------------------------------------------- from the menu
 
-TEST(Password, RefusalsInTheFormThenTheChangeAndALoginWithIt)
-{
+TEST(Password, RefusalsInTheFormThenTheChangeAndALoginWithIt) {
     Session s;
     Console& console = s.Screen();
     HostRoot& host = s.Host();
@@ -102,11 +100,13 @@ TEST(Password, RefusalsInTheFormThenTheChangeAndALoginWithIt)
         std::string newText, confirmText, message;
     };
     const std::vector<Attempt> attempts = {
-        {"texts that differ", "abc", "abd", "The new password and the confirmed password do not match."},
+        {"texts that differ", "abc", "abd",
+         "The new password and the confirmed password do not match."},
         {"the mismatch is found before the empty confirmation", "abc", "",
          "The new password and the confirmed password do not match."},
         {"both empty", "", "", "Empty passwords are not allowed."},
-        {"too simple for the host", "abcdefgh", "abcdefgh", "The password change operation failed."},
+        {"too simple for the host", "abcdefgh", "abcdefgh",
+         "The password change operation failed."},
     };
     for (const Attempt& attempt : attempts) {
         SCOPED_TRACE(attempt.name);
@@ -151,8 +151,7 @@ TEST(Password, RefusalsInTheFormThenTheChangeAndALoginWithIt)
     ASSERT_TRUE(s.LogIn("root", kNewPassword));
 }
 
-TEST(Password, SamePasswordIsAskedAbout)
-{
+TEST(Password, SamePasswordIsAskedAbout) {
     Session s;
     Console& console = s.Screen();
     ASSERT_TRUE(s.LogIn());
@@ -160,7 +159,8 @@ TEST(Password, SamePasswordIsAskedAbout)
     ASSERT_TRUE(TypeIn(s, kRootPassword));
     ASSERT_TRUE(TypeIn(s, kRootPassword));
     ASSERT_TRUE(TypeIn(s, kRootPassword));
-    EXPECT_TRUE(console.Find("New password is same as old password. Are you sure?")) << console.Describe();
+    EXPECT_TRUE(console.Find("New password is same as old password. Are you sure?"))
+        << console.Describe();
     EXPECT_TRUE(console.Find("Configure Password: Warning"));
     // Other keys leave the question open; Esc goes back with every field as it was.
     ASSERT_TRUE(s.Press({"y", Keys::Escape}));
@@ -174,9 +174,9 @@ TEST(Password, SamePasswordIsAskedAbout)
     ExpectChangeRecords(s.Host(), "root");
 }
 
-TEST(Password, FailedStoreIsToldAndTheChangeStands)
-{
-    Session s("default", {.faults = {{"lib", "Authentication::StoreUserAccountsToCs", "store offline"}}});
+TEST(Password, FailedStoreIsToldAndTheChangeStands) {
+    Session s("default",
+              {.faults = {{"lib", "Authentication::StoreUserAccountsToCs", "store offline"}}});
     Console& console = s.Screen();
     HostRoot& host = s.Host();
     ASSERT_TRUE(s.LogIn());
@@ -187,8 +187,9 @@ TEST(Password, FailedStoreIsToldAndTheChangeStands)
     EXPECT_TRUE(console.Find("Error while storing user account information to persistent"))
         << console.Describe();
     EXPECT_EQ(host.Messages("user.warning"),
-              std::vector<std::string>{"Error while storing user account information to persistent storage. The new "
-                                       "information may not be available after reboot. Error: store offline"});
+              std::vector<std::string>{
+                  "Error while storing user account information to persistent storage. The new "
+                  "information may not be available after reboot. Error: store offline"});
     // The account data has not reached the store, but the password has changed on the host.
     EXPECT_FALSE(host.State().contains("configStore"));
     ASSERT_TRUE(s.Press({Keys::Enter}));
@@ -197,11 +198,10 @@ TEST(Password, FailedStoreIsToldAndTheChangeStands)
     ExpectChangeRecords(host, "root");
 }
 
-TEST(Password, EmptyPasswordWarningGoesWithTheChange)
-{
+TEST(Password, EmptyPasswordWarningGoesWithTheChange) {
     Session s("default", {.prepare = [](HostRoot& h) {
-                              h.Edit([](json& state) { state["accounts"][0]["hash"] = ""; });
-                          }});
+                  h.Edit([](json& state) { state["accounts"][0]["hash"] = ""; });
+              }});
     Console& console = s.Screen();
     ASSERT_TRUE(s.LogIn("root", ""));
     EXPECT_TRUE(console.Find("Change default password")) << console.Describe();
@@ -220,8 +220,7 @@ TEST(Password, EmptyPasswordWarningGoesWithTheChange)
 
 // ---------------------------------------------------------------- at an expired login
 
-TEST(Password, ExpiredPasswordIsChangedAtTheLoginThenUsed)
-{
+TEST(Password, ExpiredPasswordIsChangedAtTheLoginThenUsed) {
     Session s;
     Console& console = s.Screen();
     HostRoot& host = s.Host();
@@ -258,13 +257,13 @@ TEST(Password, ExpiredPasswordIsChangedAtTheLoginThenUsed)
                 return i;
         return lines.size();
     };
-    EXPECT_LT(at("Password has expired for user expired"), at("Login password for user expired has changed"));
+    EXPECT_LT(at("Password has expired for user expired"),
+              at("Login password for user expired has changed"));
     EXPECT_LT(at("Login password for user expired has changed"), at("User expired logged in"));
     EXPECT_LT(at("User expired logged in"), lines.size());
 }
 
-TEST(Password, EscapeAtAnExpiredLoginChangesNothing)
-{
+TEST(Password, EscapeAtAnExpiredLoginChangesNothing) {
     Session s;
     Console& console = s.Screen();
     ASSERT_TRUE(s.OpenLogin());

@@ -19,37 +19,35 @@ constexpr const char* kPidFile = "/var/run/lanyx.pid";
 constexpr int kKeyRow = 3, kReloadRow = 5, kSessionRow = 7, kTextColumn = 2;
 
 // What a row of the key test frame shows from the text column on.
-std::string FrameText(const Console& console, int row)
-{
+std::string FrameText(const Console& console, int row) {
     return console.Text(row, kTextColumn, 40);
 }
 
 // Lines of the system log written by the process with this pid.
-std::string Tag(const Console& console, const char* level)
-{
+std::string Tag(const Console& console, const char* level) {
     return std::string("user.") + level + " LANYX[" + std::to_string(console.Pid()) + "]: ";
 }
 
-SessionOptions KeyFrame() { return SessionOptions{.keyTestFrame = true}; }
+SessionOptions KeyFrame() {
+    return SessionOptions{.keyTestFrame = true};
+}
 
 // Sends a key to the key test frame and checks the code it read.
-::testing::AssertionResult ShowsCode(Session& s, std::string_view key, int code)
-{
+::testing::AssertionResult ShowsCode(Session& s, std::string_view key, int code) {
     if (!s.Key(key))
         return ::testing::AssertionFailure() << "key not sent";
     const std::string expected = "Last key: " + std::to_string(code);
-    return s.Screen().WaitFor([&] { return FrameText(s.Screen(), kKeyRow) == expected; }, 10s, expected);
+    return s.Screen().WaitFor([&] { return FrameText(s.Screen(), kKeyRow) == expected; }, 10s,
+                              expected);
 }
 
-::testing::AssertionResult EntersSession(Session& s)
-{
+::testing::AssertionResult EntersSession(Session& s) {
     s.Key(Keys::F(9));
     return s.Screen().WaitForText("Session active");
 }
 
 // The welcome screen reads keys: any key reloads it, so a new host name shows.
-::testing::AssertionResult TakesKeys(Session& s, const std::string& newName)
-{
+::testing::AssertionResult TakesKeys(Session& s, const std::string& newName) {
     s.Host().Set("hostname", newName);
     s.Key("x");
     return s.Screen().WaitForText("https://" + newName + "/");
@@ -57,15 +55,17 @@ SessionOptions KeyFrame() { return SessionOptions{.keyTestFrame = true}; }
 
 // ---------------------------------------------------------------- start-up
 
-TEST(Spine, StartIsLoggedAndThePaletteRedefined)
-{
+TEST(Spine, StartIsLoggedAndThePaletteRedefined) {
     Session s;
     ASSERT_TRUE(s.AwaitWelcome());
     EXPECT_TRUE(s.Host().WaitForLine(Record::Syslog, Tag(s.Screen(), "info") + "Starting LANYX"));
     // Logging is up before the first debug-level message could pass the mask.
     EXPECT_TRUE(s.Host().Matching(Record::Syslog, ".debug LANYX[").empty());
-    const std::pair<int, Rgb> palette[] = {
-        {1, {255, 0, 0}}, {2, {170, 170, 170}}, {3, {255, 204, 0}}, {6, {85, 85, 85}}, {7, {255, 255, 255}}};
+    const std::pair<int, Rgb> palette[] = {{1, {255, 0, 0}},
+                                           {2, {170, 170, 170}},
+                                           {3, {255, 204, 0}},
+                                           {6, {85, 85, 85}},
+                                           {7, {255, 255, 255}}};
     for (const auto& [index, rgb] : palette)
         EXPECT_EQ(s.Screen().Redefined(index), rgb) << "colour " << index;
     // Black, and colours the console does not use, stay as the terminal has them.
@@ -75,17 +75,42 @@ TEST(Spine, StartIsLoggedAndThePaletteRedefined)
 
 // ---------------------------------------------------------------- keys
 
-TEST(Spine, KeysArriveThroughTheEscapeTable)
-{
+TEST(Spine, KeysArriveThroughTheEscapeTable) {
     Session s("default", KeyFrame());
-    const std::pair<std::string_view, int> keys[] = {
-        {"\x1bOY", 276},   {"\x7f", 263},     {"\x1b[A", 259},   {"\x1b" "1", 265},  {"\x1b@", 276},
-        {"\x1b!", 275},    {"\x1b[11~", 265}, {"\x1b[24~", 276}, {"\x1b[M", 265},    {"\x1b[X", 276},
-        {"\x1bOP", 265},   {"\x1bOW", 272},   {"\x1bOB", 258},   {"\x1b[D", 260},    {"\x1bh", 262},
-        {"\x1bk", 360},    {"\x1b+", 331},    {"\x1b-", 330},    {"\x1b?", 339},     {"\x1b/", 338},
-        {"\x1b[2~", 331},  {"\x1b[3~", 330},  {"\x1b[1~", 262},  {"\x1b[4~", 360},   {"\x1b[5~", 339},
-        {"\x1b[6~", 338},  {Keys::F(11), 275}, {Keys::Up, 259},  {Keys::Enter, 10},  {Keys::Tab, 9},
-        {"\x08", 8},       {Keys::Escape, 27}};
+    const std::pair<std::string_view, int> keys[] = {{"\x1bOY", 276},
+                                                     {"\x7f", 263},
+                                                     {"\x1b[A", 259},
+                                                     {"\x1b"
+                                                      "1",
+                                                      265},
+                                                     {"\x1b@", 276},
+                                                     {"\x1b!", 275},
+                                                     {"\x1b[11~", 265},
+                                                     {"\x1b[24~", 276},
+                                                     {"\x1b[M", 265},
+                                                     {"\x1b[X", 276},
+                                                     {"\x1bOP", 265},
+                                                     {"\x1bOW", 272},
+                                                     {"\x1bOB", 258},
+                                                     {"\x1b[D", 260},
+                                                     {"\x1bh", 262},
+                                                     {"\x1bk", 360},
+                                                     {"\x1b+", 331},
+                                                     {"\x1b-", 330},
+                                                     {"\x1b?", 339},
+                                                     {"\x1b/", 338},
+                                                     {"\x1b[2~", 331},
+                                                     {"\x1b[3~", 330},
+                                                     {"\x1b[1~", 262},
+                                                     {"\x1b[4~", 360},
+                                                     {"\x1b[5~", 339},
+                                                     {"\x1b[6~", 338},
+                                                     {Keys::F(11), 275},
+                                                     {Keys::Up, 259},
+                                                     {Keys::Enter, 10},
+                                                     {Keys::Tab, 9},
+                                                     {"\x08", 8},
+                                                     {Keys::Escape, 27}};
     for (const auto& [bytes, code] : keys) {
         SCOPED_TRACE("key " + std::to_string(code));
         // A plain key in between, so that each key's own code has to appear.
@@ -98,8 +123,7 @@ TEST(Spine, KeysArriveThroughTheEscapeTable)
 // ---------------------------------------------------------------- exit paths
 
 // Esc R counts as a resize; a resize ends the process, logging the new size when it is known.
-TEST(Spine, ResizeEndsTheProcess)
-{
+TEST(Spine, ResizeEndsTheProcess) {
     struct Case {
         int rows, cols;
         std::string_view key; // none: the terminal itself is resized to 100 x 30
@@ -110,7 +134,8 @@ TEST(Spine, ResizeEndsTheProcess)
                           {25, 80, "", "Resized window to 100x30"}};
     Session s;
     for (const Case& c : cases) {
-        SCOPED_TRACE(std::to_string(c.cols) + "x" + std::to_string(c.rows) + (c.key.empty() ? " resized" : " Esc R"));
+        SCOPED_TRACE(std::to_string(c.cols) + "x" + std::to_string(c.rows) +
+                     (c.key.empty() ? " resized" : " Esc R"));
         s.Restart({.rows = c.rows, .cols = c.cols});
         Console& console = s.Screen();
         ASSERT_TRUE(s.Settle());
@@ -121,7 +146,8 @@ TEST(Spine, ResizeEndsTheProcess)
         ASSERT_TRUE(console.ExitsWith(0));
         ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, Tag(console, "info") + "Starting LANYX"));
         if (c.logged.empty())
-            EXPECT_TRUE(s.Host().Matching(Record::Syslog, Tag(console, "info") + "Resized window").empty());
+            EXPECT_TRUE(
+                s.Host().Matching(Record::Syslog, Tag(console, "info") + "Resized window").empty());
         else
             EXPECT_TRUE(s.Host().WaitForLine(Record::Syslog, Tag(console, "info") + c.logged));
         EXPECT_TRUE(console.Modes().c_lflag & ICANON) << "terminal modes restored";
@@ -130,8 +156,7 @@ TEST(Spine, ResizeEndsTheProcess)
 }
 
 // SIGUSR2 asks for an exit; outside a session it is taken at once.
-TEST(Spine, TerminatingSignalsEndWithStatusZeroAndRestoreTheTerminal)
-{
+TEST(Spine, TerminatingSignalsEndWithStatusZeroAndRestoreTheTerminal) {
     Session s;
     for (int signal : {SIGTERM, SIGINT, SIGQUIT, SIGUSR2}) {
         SCOPED_TRACE(sigabbrev_np(signal));
@@ -151,8 +176,7 @@ TEST(Spine, TerminatingSignalsEndWithStatusZeroAndRestoreTheTerminal)
     EXPECT_TRUE(s.Host().Matching(Record::Syslog, "Resized window").empty());
 }
 
-TEST(Spine, ExitRequestInASessionWaitsForItsEnd)
-{
+TEST(Spine, ExitRequestInASessionWaitsForItsEnd) {
     Session s("default", KeyFrame());
     // A session that ends without a request leaves the loop going.
     ASSERT_TRUE(EntersSession(s));
@@ -170,34 +194,34 @@ TEST(Spine, ExitRequestInASessionWaitsForItsEnd)
 }
 
 // The key test frame counts the reloads it is given.
-TEST(Spine, ReloadSignalReachesTheFrameThatHasTheInput)
-{
+TEST(Spine, ReloadSignalReachesTheFrameThatHasTheInput) {
     Session s("default", KeyFrame());
     ASSERT_TRUE(s.Settle());
     for (const char* shown : {"Reloaded 1", "Reloaded 2"}) {
         s.Screen().Signal(SIGUSR1);
         ASSERT_TRUE(s.Screen().WaitForText(shown));
     }
-    EXPECT_EQ(s.Screen().Find("Reloaded 2"), std::make_optional(std::make_pair(kReloadRow, kTextColumn)));
+    EXPECT_EQ(s.Screen().Find("Reloaded 2"),
+              std::make_optional(std::make_pair(kReloadRow, kTextColumn)));
     EXPECT_TRUE(ShowsCode(s, "a", 97));
 }
 
-TEST(Spine, ExceptionReachesTheTopLevelHandler)
-{
+TEST(Spine, ExceptionReachesTheTopLevelHandler) {
     Session s("default", KeyFrame());
     for (bool inSession : {false, true}) {
         SCOPED_TRACE(inSession ? "in a session" : "outside a session");
         s.Restart(KeyFrame());
         if (inSession) {
             ASSERT_TRUE(EntersSession(s));
-            s.Key("\x1b" "0"); // F10 from the escape table
+            s.Key("\x1b"
+                  "0"); // F10 from the escape table
         } else {
             s.Key(Keys::F(10));
         }
         Console& console = s.Screen();
         ASSERT_TRUE(console.ExitsWith(0));
-        EXPECT_TRUE(s.Host().WaitForLine(Record::Syslog,
-                                         Tag(console, "err") + "LANYX aborted by exception: first frame test"));
+        EXPECT_TRUE(s.Host().WaitForLine(
+            Record::Syslog, Tag(console, "err") + "LANYX aborted by exception: first frame test"));
         // Only this way out resets the palette.
         EXPECT_NE(console.Transcript().find("\x1b]R"), std::string::npos);
         EXPECT_TRUE(console.Modes().c_lflag & ICANON);
@@ -206,8 +230,7 @@ TEST(Spine, ExceptionReachesTheTopLevelHandler)
 
 // ---------------------------------------------------------------- pid file
 
-TEST(Spine, PidFileNamesTheProcessAndIsKeptByARunningOne)
-{
+TEST(Spine, PidFileNamesTheProcessAndIsKeptByARunningOne) {
     // What the start does with a stale file is checked in memory; here, the running instance's.
     Session s;
     ASSERT_TRUE(s.Settle());
@@ -216,8 +239,10 @@ TEST(Spine, PidFileNamesTheProcessAndIsKeptByARunningOne)
     const std::string firstPid = std::to_string(s.Screen().Pid());
     Console second(LanyxOptions(s.Host().Path()));
     ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog,
-                                     Tag(second, "err") + "Attempt to run multiple LANYX instances, not updating "));
-    EXPECT_NE(s.Host().Matching(Record::Syslog, "Attempt to run multiple")[0].find("lanyx.pid"), std::string::npos);
+                                     Tag(second, "err") +
+                                         "Attempt to run multiple LANYX instances, not updating "));
+    EXPECT_NE(s.Host().Matching(Record::Syslog, "Attempt to run multiple")[0].find("lanyx.pid"),
+              std::string::npos);
     s.Host().Set("hostname", "second-instance");
     second.SendKey("x");
     EXPECT_TRUE(second.WaitForText("https://second-instance/"));
@@ -226,10 +251,10 @@ TEST(Spine, PidFileNamesTheProcessAndIsKeptByARunningOne)
 
 // ---------------------------------------------------------------- argument
 
-TEST(Spine, TerminalNumberArgument)
-{
-    // Of the valid numbers only the highest: a switch attempt must not move a real machine's display.
-    // How the text is read is checked in memory; here, what a taken and a refused number do.
+TEST(Spine, TerminalNumberArgument) {
+    // Of the valid numbers only the highest: a switch attempt must not move a real machine's
+    // display. How the text is read is checked in memory; here, what a taken and a refused number
+    // do.
     const std::vector<std::vector<std::string>> cases = {{}, {"63"}, {"64"}, {"abc"}};
     Session s;
     int round = 0;
@@ -243,9 +268,11 @@ TEST(Spine, TerminalNumberArgument)
             // Logged before the log is opened under its own name, so only level and text are fixed.
             const std::string text = "Invalid VT specified for LANYX: " + args[0];
             ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, text));
-            EXPECT_NE(s.Host().Matching(Record::Syslog, text).back().find(" user.err "), std::string::npos);
+            EXPECT_NE(s.Host().Matching(Record::Syslog, text).back().find(" user.err "),
+                      std::string::npos);
         } else {
-            ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, Tag(s.Screen(), "info") + "Starting LANYX"));
+            ASSERT_TRUE(
+                s.Host().WaitForLine(Record::Syslog, Tag(s.Screen(), "info") + "Starting LANYX"));
         }
         // The suspend character is cleared on the terminal only when a number was taken.
         ASSERT_TRUE(s.Settle());

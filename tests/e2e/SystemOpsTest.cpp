@@ -23,8 +23,7 @@ constexpr const char* kForceOn = "[X] Forcefully terminate running VMs, if any .
 
 class SystemOps : public ::testing::Test {
 protected:
-    Console* Start()
-    {
+    Console* Start() {
         session = std::make_unique<Session>("default");
         root = &session->Host();
         EXPECT_TRUE(session->AwaitWelcome());
@@ -32,14 +31,13 @@ protected:
     }
 
     // The shutdown dialog after a login as root by F12, ready for keys.
-    Console* OpenShutdown()
-    {
+    Console* OpenShutdown() {
         Console* console = Start();
         EXPECT_TRUE(session->Key(Keys::F(12)));
         EXPECT_TRUE(console->WaitForText("Authentication Required"));
         EXPECT_TRUE(session->Settle());
-        EXPECT_TRUE(session->Type("root") && session->Key(Keys::Enter) && session->Type(kRootPassword) &&
-                    session->Key(Keys::Enter));
+        EXPECT_TRUE(session->Type("root") && session->Key(Keys::Enter) &&
+                    session->Type(kRootPassword) && session->Key(Keys::Enter));
         EXPECT_TRUE(console->WaitForText(kShutdownFooter)) << console->Describe();
         EXPECT_TRUE(session->Settle());
         EXPECT_TRUE(console->Find(kForceOff)) << console->Describe();
@@ -47,8 +45,7 @@ protected:
     }
 
     // The menu after a login by F2, with `title` selected.
-    Console* OpenMenuAt(const std::string& title)
-    {
+    Console* OpenMenuAt(const std::string& title) {
         Console* console = Start();
         EXPECT_TRUE(session->LogIn());
         EXPECT_TRUE(session->SelectEntry(title));
@@ -56,8 +53,7 @@ protected:
     }
 
     // One key to a screen that reads keys, then `shown`.
-    ::testing::AssertionResult Press(std::string_view key, std::string_view shown)
-    {
+    ::testing::AssertionResult Press(std::string_view key, std::string_view shown) {
         if (!session->Key(key))
             return ::testing::AssertionFailure() << "key not sent";
         return session->Screen().WaitForText(shown);
@@ -67,7 +63,9 @@ protected:
 
     json State() const { return root->State(); }
 
-    size_t Count(Record record, std::string_view text) const { return root->Matching(record, text).size(); }
+    size_t Count(Record record, std::string_view text) const {
+        return root->Matching(record, text).size();
+    }
 
     std::unique_ptr<Session> session;
     HostRoot* root = nullptr;
@@ -75,8 +73,7 @@ protected:
 
 // ---------------------------------------------------------------- shut down and restart
 
-TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
-{
+TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand) {
     struct Case {
         std::string_view key;
         bool force; // the forced runs of both keys are in the fault test below
@@ -102,14 +99,17 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
         ASSERT_TRUE(session->Key(c.key));
         ASSERT_TRUE(console->WaitForText(c.message)) << console->Describe();
         EXPECT_TRUE(console->Find(c.title));
-        ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == c.powerState; }, 10s,
-                                     "power state " + c.powerState));
+        ASSERT_TRUE(
+            console->WaitFor([&] { return State()["power"].value("state", "") == c.powerState; },
+                             10s, "power state " + c.powerState));
         const json power = State()["power"];
         ASSERT_EQ(power["history"].size(), 1u) << power.dump();
         EXPECT_EQ(power["history"][0]["action"], c.action);
         EXPECT_TRUE(power["history"][0]["args"].empty());
-        EXPECT_EQ(root->ToolRuns("haltGuests"), std::vector<std::string>{c.force ? "--terminate" : ""});
-        EXPECT_EQ(root->ToolRuns("helmq"), std::vector<std::string>{"-U root helmnode/autostartmanager/autostop"});
+        EXPECT_EQ(root->ToolRuns("haltGuests"),
+                  std::vector<std::string>{c.force ? "--terminate" : ""});
+        EXPECT_EQ(root->ToolRuns("helmq"),
+                  std::vector<std::string>{"-U root helmnode/autostartmanager/autostop"});
         EXPECT_FALSE(State()["autostartManager"].value("running", true));
         const json guests = State()["guests"];
         for (const json& guest : guests)
@@ -128,8 +128,7 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand)
     }
 }
 
-TEST_F(SystemOps, EscapeLeavesTheShutdownDialogWithoutARecord)
-{
+TEST_F(SystemOps, EscapeLeavesTheShutdownDialogWithoutARecord) {
     Console* console = OpenShutdown();
     ASSERT_TRUE(Press(" ", kForceOn));
     ASSERT_TRUE(session->Key(" "));
@@ -145,8 +144,7 @@ TEST_F(SystemOps, EscapeLeavesTheShutdownDialogWithoutARecord)
     EXPECT_TRUE(root->Matching(Record::Syslog, "logged out").empty());
 }
 
-TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick)
-{
+TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick) {
     struct Case {
         std::string_view key;
         std::string tool, logLine;
@@ -162,8 +160,9 @@ TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick)
         ASSERT_TRUE(Press(" ", kForceOn));
         ASSERT_TRUE(session->Key(c.key));
         ASSERT_TRUE(root->WaitForLine(Record::Syslog, "]: Run Command did not terminate normally"));
-        ASSERT_TRUE(console->WaitFor([&] { return console->Find(kShutdownFooter) && console->Find(kForceOn); }, 10s,
-                                     "the shutdown dialog again"))
+        ASSERT_TRUE(console->WaitFor(
+            [&] { return console->Find(kShutdownFooter) && console->Find(kForceOn); }, 10s,
+            "the shutdown dialog again"))
             << console->Describe();
         // The records and the stopped guests stay: nothing is undone.
         EXPECT_EQ(Count(Record::Syslog, c.logLine), 1u);
@@ -174,68 +173,115 @@ TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick)
 
         // Once the tool works again the same dialog carries the operation out.
         root->Fault({"clear", c.tool});
-        const std::string progress = c.tool == "poweroff" ? "Shutdown in progress..." : "Restart in progress...";
+        const std::string progress =
+            c.tool == "poweroff" ? "Shutdown in progress..." : "Restart in progress...";
         ASSERT_TRUE(Press(c.key, progress));
-        EXPECT_TRUE(console->WaitFor([&] { return State()["power"]["history"].size() == 1u; }, 10s, "the power record"));
+        EXPECT_TRUE(console->WaitFor([&] { return State()["power"]["history"].size() == 1u; }, 10s,
+                                     "the power record"));
     }
 }
 
-TEST_F(SystemOps, AbsentPowerCommandStillEndsInTheEndlessWait)
-{
+TEST_F(SystemOps, AbsentPowerCommandStillEndsInTheEndlessWait) {
     // Only a shell that cannot start brings the operator back; a missing command does not.
     Console* console = OpenShutdown();
     root->Fault({"tool", "poweroff", "absent"});
     ASSERT_TRUE(session->Key(Keys::F(2)));
     ASSERT_TRUE(console->WaitForText("Shutdown in progress..."));
-    ASSERT_TRUE(console->WaitFor([&] { return root->ToolRuns("haltGuests").size() == 1u; }, 10s, "the guests halted"));
+    ASSERT_TRUE(console->WaitFor([&] { return root->ToolRuns("haltGuests").size() == 1u; }, 10s,
+                                 "the guests halted"));
     ASSERT_TRUE(session->Key(Keys::Escape));
     console->Pump(500ms);
     EXPECT_TRUE(console->Find("Shutdown in progress...")) << console->Describe();
     EXPECT_EQ(State()["power"].value("state", ""), "on");
 }
 
-TEST_F(SystemOps, AutostopRefusedForTheOperatorRunsAsTheConsolesOwnUser)
-{
+TEST_F(SystemOps, AutostopRefusedForTheOperatorRunsAsTheConsolesOwnUser) {
     Console* console = OpenShutdown();
     root->Set("helmq-users", "");
     ASSERT_TRUE(session->Key(Keys::F(11)));
-    ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; }, 10s, "the reboot"));
-    EXPECT_EQ(Count(Record::Syslog, "]: Unable to execute command helmq helmnode/autostartmanager/autostop using "
-                                    "user root. Using user lanyx"),
+    ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; },
+                                 10s, "the reboot"));
+    EXPECT_EQ(Count(Record::Syslog,
+                    "]: Unable to execute command helmq helmnode/autostartmanager/autostop using "
+                    "user root. Using user lanyx"),
               1u);
-    EXPECT_EQ(root->ToolRuns("helmq"), std::vector<std::string>{"-U lanyx helmnode/autostartmanager/autostop"});
+    EXPECT_EQ(root->ToolRuns("helmq"),
+              std::vector<std::string>{"-U lanyx helmnode/autostartmanager/autostop"});
     EXPECT_FALSE(State()["autostartManager"].value("running", true));
 }
 
 // ---------------------------------------------------------------- lockdown mode
 
-TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
-{
+TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain) {
     struct Case {
         std::string name;
         bool enabledBefore;
-        std::vector<std::string> setAfterMenu; // a hostsim setting pair, applied once the menu stands
+        std::vector<std::string>
+            setAfterMenu; // a hostsim setting pair, applied once the menu stands
         std::vector<std::string> faultAfterMenu;
         bool tickedAtOpen;
         std::vector<std::string_view> keys;
-        bool shownAfter;  // what the menu says afterwards
-        bool enabledAfter; // what the host has
+        bool shownAfter;     // what the menu says afterwards
+        bool enabledAfter;   // what the host has
         std::string logLine; // "" for none
         std::vector<std::string> lockdownRuns;
     };
     const std::string enterRun = "-U lanyx helmsvc/auth/lockdown_mode_enter";
     const std::vector<Case> cases = {
-        {"enable", false, {}, {}, false, {" ", Keys::Enter}, true, true, "]: Lockdown mode enabled", {enterRun}},
-        {"disable", true, {}, {}, true, {" ", Keys::Enter}, false, false, "]: Lockdown mode disabled",
+        {"enable",
+         false,
+         {},
+         {},
+         false,
+         {" ", Keys::Enter},
+         true,
+         true,
+         "]: Lockdown mode enabled",
+         {enterRun}},
+        {"disable",
+         true,
+         {},
+         {},
+         true,
+         {" ", Keys::Enter},
+         false,
+         false,
+         "]: Lockdown mode disabled",
          {"-U lanyx helmsvc/auth/lockdown_mode_exit"}},
-        {"no change", false, {}, {}, false, {Keys::Down, Keys::Up, Keys::Enter}, false, false, "", {}},
+        {"no change",
+         false,
+         {},
+         {},
+         false,
+         {Keys::Down, Keys::Up, Keys::Enter},
+         false,
+         false,
+         "",
+         {}},
         {"escape", false, {}, {}, false, {" ", Keys::Escape}, false, false, "", {}},
-        {"refused by the agent", false, {"lockdown-possible", "false"}, {}, false, {" ", Keys::Enter}, false, false,
-         "]: Enabling lockdown mode failed with error: helmq: lockdown mode is not possible on this host", {}},
+        {"refused by the agent",
+         false,
+         {"lockdown-possible", "false"},
+         {},
+         false,
+         {" ", Keys::Enter},
+         false,
+         false,
+         "]: Enabling lockdown mode failed with error: helmq: lockdown mode is not possible on "
+         "this host",
+         {}},
         // The query fails too: the box opens unticked although the mode is on, and the menu's
         // query after it says "Disabled" for a host that still has it.
-        {"helmq absent", true, {}, {"tool", "helmq", "absent"}, false, {" ", Keys::Enter}, false, true,
-         "]: Enabling lockdown mode failed with error: ", {}},
+        {"helmq absent",
+         true,
+         {},
+         {"tool", "helmq", "absent"},
+         false,
+         {" ", Keys::Enter},
+         false,
+         true,
+         "]: Enabling lockdown mode failed with error: ",
+         {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -250,7 +296,8 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
             root->Fault(c.faultAfterMenu);
 
         ASSERT_TRUE(Press(Keys::Enter, "<Space> Toggle Selected"));
-        EXPECT_TRUE(console->Find(c.tickedAtOpen ? "[X] Enable lockdown mode" : "[ ] Enable lockdown mode"))
+        EXPECT_TRUE(
+            console->Find(c.tickedAtOpen ? "[X] Enable lockdown mode" : "[ ] Enable lockdown mode"))
             << console->Describe();
         for (std::string_view key : c.keys) {
             const bool toggles = key == " ";
@@ -261,8 +308,9 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
         }
         ASSERT_TRUE(console->WaitForTextGone("<Space> Toggle Selected"));
         // The menu shows what the host now reports, whatever the dialog did.
-        ASSERT_TRUE(console->WaitFor([&] { return console->Find(c.shownAfter ? "Enabled" : "Disabled").has_value(); },
-                                     5s, "the menu's state"))
+        ASSERT_TRUE(console->WaitFor(
+            [&] { return console->Find(c.shownAfter ? "Enabled" : "Disabled").has_value(); }, 5s,
+            "the menu's state"))
             << console->Describe();
         EXPECT_EQ(State()["lockdown"].value("enabled", !c.enabledAfter), c.enabledAfter);
         std::vector<std::string> runs;
@@ -271,7 +319,8 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
                 runs.push_back(run);
         EXPECT_EQ(runs, c.lockdownRuns);
         // One line of the dialog at most, and only the expected one.
-        const size_t lines = Count(Record::Syslog, "]: Lockdown mode ") + Count(Record::Syslog, " lockdown mode failed");
+        const size_t lines = Count(Record::Syslog, "]: Lockdown mode ") +
+                             Count(Record::Syslog, " lockdown mode failed");
         EXPECT_EQ(lines, c.logLine.empty() ? 0u : 1u);
         if (!c.logLine.empty()) {
             EXPECT_EQ(Count(Record::Syslog, c.logLine), 1u);
@@ -281,8 +330,7 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain)
 
 // ---------------------------------------------------------------- reset of the configuration
 
-TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
-{
+TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter) {
     Console* console = OpenMenuAt("Reset System Configuration");
     root->Set("hostname", "changed-host");
     root->Set("lockdown-enabled", "true");
@@ -297,7 +345,9 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     ASSERT_TRUE(console->WaitForText("Default settings are restored. Press <Enter> to"));
     EXPECT_FALSE(console->Find("Reset System Configuration now?"));
     EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), 1u);
-    EXPECT_EQ(Count(Record::Notad, "@&!*@*@(nota.user.lanyx.restore.factory.defaults)Restoring factory defaults"), 1u);
+    EXPECT_EQ(Count(Record::Notad,
+                    "@&!*@*@(nota.user.lanyx.restore.factory.defaults)Restoring factory defaults"),
+              1u);
     const json state = State();
     EXPECT_EQ(state["host"].value("hostname", ""), "lanyx-lab01");
     EXPECT_FALSE(state["lockdown"].value("enabled", true));
@@ -311,7 +361,8 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     console->Pump(300ms);
     EXPECT_EQ(State()["power"].value("state", ""), "on");
     ASSERT_TRUE(session->Key(Keys::Enter));
-    ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; }, 10s, "reboot"));
+    ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; },
+                                 10s, "reboot"));
     const json history = State()["power"]["history"];
     ASSERT_EQ(history.size(), 1u);
     EXPECT_EQ(history[0]["action"], "reboot");
@@ -323,8 +374,7 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter)
     EXPECT_EQ(State()["power"]["history"].size(), 1u);
 }
 
-TEST_F(SystemOps, ResetThatDoesNotHappen)
-{
+TEST_F(SystemOps, ResetThatDoesNotHappen) {
     struct Case {
         std::string name;
         std::vector<std::string> fault;
@@ -345,7 +395,8 @@ TEST_F(SystemOps, ResetThatDoesNotHappen)
         ASSERT_TRUE(session->Key(c.key));
         ASSERT_TRUE(console->WaitForTextGone("Reset System Configuration now?"));
         // Back in the menu, with no message of its own.
-        ASSERT_TRUE(console->WaitFor([&] { return RightTitle() == "Reset System Configuration"; }, 5s, "menu"));
+        ASSERT_TRUE(console->WaitFor([&] { return RightTitle() == "Reset System Configuration"; },
+                                     5s, "menu"));
         console->Pump(300ms);
         EXPECT_FALSE(console->Find("Default settings are restored.")) << console->Describe();
         EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), c.records);

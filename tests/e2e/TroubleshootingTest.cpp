@@ -18,27 +18,30 @@ namespace {
 constexpr int kTop = 4, kListColumn = 3, kDetailColumn = 42;
 constexpr const char* kMenuTitle = "Troubleshooting Mode Options";
 
-std::string Column(const Console& console, int column, int width, int rows = 18)
-{
+std::string Column(const Console& console, int column, int width, int rows = 18) {
     std::string text;
     for (int row = kTop; row < kTop + rows; ++row)
         text += Trimmed(console.Text(row, column, width)) + "\n";
     return text.erase(text.find_last_not_of('\n') + 1);
 }
 
-std::string List(const Console& console) { return Column(console, kListColumn, 36, 5); }
-std::string Detail(const Console& console) { return Column(console, kDetailColumn, 36); }
-std::string RightFooter(const Console& console) { return Trimmed(console.Text(22, 41, 37)); }
+std::string List(const Console& console) {
+    return Column(console, kListColumn, 36, 5);
+}
+std::string Detail(const Console& console) {
+    return Column(console, kDetailColumn, 36);
+}
+std::string RightFooter(const Console& console) {
+    return Trimmed(console.Text(22, 41, 37));
+}
 
-bool Greyed(const Console& console, int line)
-{
+bool Greyed(const Console& console, int line) {
     const Cell cell = console.CellAt(kTop + line, kListColumn);
     return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
 }
 
 // Logged in as root, in the troubleshooting menu.
-::testing::AssertionResult OpenMenu(Session& s)
-{
+::testing::AssertionResult OpenMenu(Session& s) {
     if (auto in = s.LogIn(); !in)
         return in;
     if (auto opened = s.OpenEntry("Troubleshooting Options"); !opened)
@@ -46,13 +49,16 @@ bool Greyed(const Console& console, int line)
     return s.Screen().WaitForText(kMenuTitle);
 }
 
-json Service(const HostRoot& host, const char* name) { return host.State()["services"][name]; }
-bool SshPortsOpen(const HostRoot& host) { return host.State()["firewall"]["sshServer"]["enabled"].get<bool>(); }
+json Service(const HostRoot& host, const char* name) {
+    return host.State()["services"][name];
+}
+bool SshPortsOpen(const HostRoot& host) {
+    return host.State()["firewall"]["sshServer"]["enabled"].get<bool>();
+}
 
 // ---------------------------------------------------------------- lines and panes
 
-TEST(Troubleshooting, LinesPanesAndFooters)
-{
+TEST(Troubleshooting, LinesPanesAndFooters) {
     Session s;
     Console& console = s.Screen();
     ASSERT_TRUE(OpenMenu(s));
@@ -67,15 +73,17 @@ TEST(Troubleshooting, LinesPanesAndFooters)
 
     EXPECT_TRUE(Detail(console).starts_with("Ostra Shell is Disabled")) << Detail(console);
     // Each line's pane; the agents' line alone restarts rather than changes.
-    const std::vector<std::string> titles = {"Ostra Shell", "SSH Support", "Modify Ostra Shell and SSH",
-                                             "Modify LANYX idle timeout", "Restart Management Agents"};
+    const std::vector<std::string> titles = {
+        "Ostra Shell", "SSH Support", "Modify Ostra Shell and SSH", "Modify LANYX idle timeout",
+        "Restart Management Agents"};
     for (size_t line = 0; line < titles.size(); ++line) {
         SCOPED_TRACE(titles[line]);
         if (line > 0) {
             ASSERT_TRUE(s.Press({Keys::Down}));
         }
         EXPECT_EQ(s.RightTitle(), titles[line]);
-        EXPECT_EQ(RightFooter(console).starts_with("<Enter> Restart"), line == 4) << RightFooter(console);
+        EXPECT_EQ(RightFooter(console).starts_with("<Enter> Restart"), line == 4)
+            << RightFooter(console);
     }
     EXPECT_TRUE(Detail(console).starts_with("The management agents are the")) << Detail(console);
     // Down on the last line and letters change nothing; Esc goes back to the main menu.
@@ -87,8 +95,7 @@ TEST(Troubleshooting, LinesPanesAndFooters)
     EXPECT_TRUE(s.Host().ToolRuns("helmq").empty());
 }
 
-TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine)
-{
+TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine) {
     Session s;
     Console& console = s.Screen();
     HostRoot& host = s.Host();
@@ -120,14 +127,16 @@ TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine)
     ASSERT_TRUE(s.Press({Keys::Down}));
     EXPECT_TRUE(s.RightTitle().starts_with("Modify Ostra Shell and SSH"));
 
-    EXPECT_EQ(host.ToolRuns("helmq"), (std::vector<std::string>{
-                                   "-U root helmnode/start_ostra_shell", "-U root helmnode/enable_ostra_shell",
-                                   "-U root helmnode/start_ssh", "-U root helmnode/enable_ssh",
-                                   "-U root helmnode/stop_ostra_shell", "-U root helmnode/disable_ostra_shell",
-                                   "-U root helmnode/stop_ssh", "-U root helmnode/disable_ssh"}));
+    EXPECT_EQ(host.ToolRuns("helmq"),
+              (std::vector<std::string>{
+                  "-U root helmnode/start_ostra_shell", "-U root helmnode/enable_ostra_shell",
+                  "-U root helmnode/start_ssh", "-U root helmnode/enable_ssh",
+                  "-U root helmnode/stop_ostra_shell", "-U root helmnode/disable_ostra_shell",
+                  "-U root helmnode/stop_ssh", "-U root helmnode/disable_ssh"}));
     EXPECT_TRUE(host.Messages("user.warning").empty());
-    const std::vector<std::string> toggles = {"User root enabled Ostra Shell", "User root enabled SSH",
-                                              "User root disabled Ostra Shell", "User root disabled SSH"};
+    const std::vector<std::string> toggles = {
+        "User root enabled Ostra Shell", "User root enabled SSH", "User root disabled Ostra Shell",
+        "User root disabled SSH"};
     std::vector<std::string> logged;
     for (const std::string& line : host.Messages("user.info"))
         if (line.starts_with("User root ") && !line.ends_with("logged in"))
@@ -135,13 +144,13 @@ TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine)
     EXPECT_EQ(logged, toggles);
 }
 
-TEST(Troubleshooting, RunningServicesShownOnAndTimeoutsGreyed)
-{
+TEST(Troubleshooting, RunningServicesShownOnAndTimeoutsGreyed) {
     Session s("default", {.settings = {{"ssh-running", "true"}}});
     Console& console = s.Screen();
     ASSERT_TRUE(OpenMenu(s));
-    EXPECT_EQ(List(console), "Enable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
-                             "Modify LANYX idle timeout\nRestart Management Agents");
+    EXPECT_EQ(List(console),
+              "Enable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
+              "Modify LANYX idle timeout\nRestart Management Agents");
     EXPECT_TRUE(Greyed(console, 2));
     ASSERT_TRUE(s.Press({Keys::Down}));
     EXPECT_TRUE(Detail(console).starts_with("SSH is Enabled")) << Detail(console);
@@ -149,37 +158,52 @@ TEST(Troubleshooting, RunningServicesShownOnAndTimeoutsGreyed)
 
 // ---------------------------------------------------------------- a failing agent
 
-TEST(Troubleshooting, TogglesGetRoundAFailingAgent)
-{
+TEST(Troubleshooting, TogglesGetRoundAFailingAgent) {
     struct Case {
         const char* name;
         SessionOptions options;
-        std::vector<std::string> logs;  // warnings and notes besides the toggles' own lines
-        bool shellEnabled, sshEnabled;  // the agent's "enabled" afterwards; both run in every case
+        std::vector<std::string> logs; // warnings and notes besides the toggles' own lines
+        bool shellEnabled, sshEnabled; // the agent's "enabled" afterwards; both run in every case
         bool portsOpen;
         std::vector<std::string> agentRuns;
     };
     const std::vector<Case> cases = {
         {"the operator refused: the console's own account, for both commands",
-         {.prepare = [](HostRoot& h) { h.Edit([](json& st) { st["hostAgent"]["users"] = json::array({"ops"}); }); }},
-         {"info Unable to execute command helmq helmnode/start_ostra_shell using user root. Using user lanyx",
-          "info Unable to execute command helmq helmnode/start_ssh using user root. Using user lanyx"},
-         true, true, true,
+         {.prepare =
+              [](HostRoot& h) {
+                  h.Edit([](json& st) { st["hostAgent"]["users"] = json::array({"ops"}); });
+              }},
+         {"info Unable to execute command helmq helmnode/start_ostra_shell using user root. Using "
+          "user lanyx",
+          "info Unable to execute command helmq helmnode/start_ssh using user root. Using user "
+          "lanyx"},
+         true,
+         true,
+         true,
          {"-U lanyx helmnode/start_ostra_shell", "-U lanyx helmnode/enable_ostra_shell",
           "-U lanyx helmnode/start_ssh", "-U lanyx helmnode/enable_ssh"}},
         {"no agent tool: the init scripts, and the firewall by hand",
          {.faults = {{"tool", "helmq", "absent"}}},
          {"warning Unable to run helmq to start/stop Ostra Shell",
-          "warning Unable to run helmq to enable/disable Ostra Shell", "warning Unable to run helmq to start/stop ssh",
+          "warning Unable to run helmq to enable/disable Ostra Shell",
+          "warning Unable to run helmq to start/stop ssh",
           "warning Unable to run helmq to enable/disable ssh"},
-         false, false, true, {}},
+         false,
+         false,
+         true,
+         {}},
         {"a failing agent and a locked firewall",
-         {.faults = {{"tool", "helmq", "exit", "1"}, {"lib", "FirewallRuleset::Enable", "ruleset locked"}}},
+         {.faults = {{"tool", "helmq", "exit", "1"},
+                     {"lib", "FirewallRuleset::Enable", "ruleset locked"}}},
          {"warning Unable to run helmq to start/stop Ostra Shell",
-          "warning Unable to run helmq to enable/disable Ostra Shell", "warning Unable to run helmq to start/stop ssh",
+          "warning Unable to run helmq to enable/disable Ostra Shell",
+          "warning Unable to run helmq to start/stop ssh",
           "warning Failed to update firewall sshServer ruleset status: ruleset locked",
           "warning Unable to run helmq to enable/disable ssh"},
-         false, false, false, {}},
+         false,
+         false,
+         false,
+         {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -190,8 +214,9 @@ TEST(Troubleshooting, TogglesGetRoundAFailingAgent)
         host.Mark();
         ASSERT_TRUE(s.Press({Keys::Enter, Keys::Down, Keys::Enter}));
         // Nothing on the screen tells of the failure: the labels flip.
-        EXPECT_EQ(List(console), "Disable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
-                                 "Modify LANYX idle timeout\nRestart Management Agents");
+        EXPECT_EQ(List(console),
+                  "Disable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
+                  "Modify LANYX idle timeout\nRestart Management Agents");
         std::vector<std::string> logs;
         for (const std::string& line : host.Messages()) {
             if (!line.starts_with("user.info User root"))
@@ -199,7 +224,8 @@ TEST(Troubleshooting, TogglesGetRoundAFailingAgent)
         }
         EXPECT_EQ(logs, c.logs);
         EXPECT_EQ(host.Messages("user.info").back(), "User root enabled SSH");
-        EXPECT_EQ(Service(host, "OstraShell"), json({{"running", true}, {"enabled", c.shellEnabled}}));
+        EXPECT_EQ(Service(host, "OstraShell"),
+                  json({{"running", true}, {"enabled", c.shellEnabled}}));
         EXPECT_EQ(Service(host, "SSH"), json({{"running", true}, {"enabled", c.sshEnabled}}));
         EXPECT_EQ(SshPortsOpen(host), c.portsOpen);
         EXPECT_EQ(host.ToolRuns("helmq"), c.agentRuns);

@@ -25,8 +25,7 @@ constexpr int kTextColumn = 8;
 // A terminal tall enough for the warning text (it needs 29 lines); its warning starts on row 24.
 constexpr int kTallRows = 30, kTallWarningRow = 24;
 
-size_t Count(const std::string& text, const std::string& what)
-{
+size_t Count(const std::string& text, const std::string& what) {
     size_t count = 0;
     for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
         ++count;
@@ -34,15 +33,13 @@ size_t Count(const std::string& text, const std::string& what)
 }
 
 // What a row of the default layout shows from the text column on.
-std::string At(const Console& console, int row, int col = kTextColumn)
-{
+std::string At(const Console& console, int row, int col = kTextColumn) {
     return console.Text(row, col, console.Cols() - col - 1);
 }
 
 // The console on `profile`, its first screen standing whole with `ready` on it.
 std::unique_ptr<Session> Start(const std::string& profile = "default", SessionOptions options = {},
-                               const std::string& ready = kWelcomeReady)
-{
+                               const std::string& ready = kWelcomeReady) {
     auto s = std::make_unique<Session>(profile, std::move(options));
     EXPECT_TRUE(s->Screen().WaitForFullScreen(ready));
     EXPECT_TRUE(s->Settle());
@@ -51,11 +48,11 @@ std::unique_ptr<Session> Start(const std::string& profile = "default", SessionOp
 
 // ---------------------------------------------------------------- default layout
 
-TEST(Welcome, DefaultHostShowsIdentityHardwareAndAddressesInItsColours)
-{
+TEST(Welcome, DefaultHostShowsIdentityHardwareAndAddressesInItsColours) {
     auto s = Start();
     Console& console = s->Screen();
-    EXPECT_TRUE(At(console, kVersionRow).starts_with("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ")) << console.Describe();
+    EXPECT_TRUE(At(console, kVersionRow).starts_with("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build "))
+        << console.Describe();
     EXPECT_EQ(At(console, kVendorRow), "Northwind Systems NX-2840 Rack Server");
     EXPECT_EQ(At(console, kHardwareRow), "2 x Tessellate(R) Core Gold 6430 @ 2.10GHz");
     EXPECT_EQ(At(console, kHardwareRow + 1), "127.7 GiB Memory");
@@ -70,12 +67,16 @@ TEST(Welcome, DefaultHostShowsIdentityHardwareAndAddressesInItsColours)
     EXPECT_EQ(console.CellAt(23, 79).text, "│") << "the box around the screen";
     EXPECT_FALSE(console.CursorVisible());
 
-    // White on dark grey above, black on amber below; key names in black, their meaning in dark grey.
-    const std::tuple<int, int, int, int> colours[] = {
-        {kVersionRow, kTextColumn, 7, 6}, {kManagementRow, kTextColumn, 0, 3}, {23, 2, 0, 3}, {23, 7, 6, 3}};
+    // White on dark grey above, black on amber below; key names in black, their meaning in dark
+    // grey.
+    const std::tuple<int, int, int, int> colours[] = {{kVersionRow, kTextColumn, 7, 6},
+                                                      {kManagementRow, kTextColumn, 0, 3},
+                                                      {23, 2, 0, 3},
+                                                      {23, 7, 6, 3}};
     for (const auto& [row, col, fg, bg] : colours) {
         const Cell cell = console.CellAt(row, col);
-        EXPECT_TRUE(cell.fg.IsIndex(fg) && cell.bg.IsIndex(bg)) << row << "," << col << ": " << cell;
+        EXPECT_TRUE(cell.fg.IsIndex(fg) && cell.bg.IsIndex(bg))
+            << row << "," << col << ": " << cell;
     }
     // An odd number of lines gives the lower half the extra one.
     EXPECT_TRUE(console.CellAt(11, 40).bg.IsIndex(6)) << console.CellAt(11, 40);
@@ -83,18 +84,20 @@ TEST(Welcome, DefaultHostShowsIdentityHardwareAndAddressesInItsColours)
 }
 
 // The warning below the addresses needs 29 lines; it is wrapped in the text's 48 cells.
-TEST(Welcome, AddressModesAndWarnings)
-{
+TEST(Welcome, AddressModesAndWarnings) {
     struct Case {
         std::string profile;
         int rows;
-        std::string address, warning, warningNext; // no warning: none shown; the next line: placed and wrapped
+        std::string address, warning,
+            warningNext; // no warning: none shown; the next line: placed and wrapped
     };
     const Case cases[] = {
         {"dhcp-no-server", kTallRows, "https://0.0.0.0/ (Waiting for DHCP...)",
-         "Warning: DHCP lookup failed. You may be unable", "to access this system until you customize its"},
+         "Warning: DHCP lookup failed. You may be unable",
+         "to access this system until you customize its"},
         {"dhcp-no-server", kTallRows - 2, "https://0.0.0.0/ (Waiting for DHCP...)", "", ""},
-        {"audit-mode", kTallRows, "https://192.168.10.21/ (STATIC)", "Warning: Host is running in audit mode.", ""},
+        {"audit-mode", kTallRows, "https://192.168.10.21/ (STATIC)",
+         "Warning: Host is running in audit mode.", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.profile + " on " + std::to_string(c.rows) + " lines");
@@ -116,8 +119,7 @@ TEST(Welcome, AddressModesAndWarnings)
     }
 }
 
-TEST(Welcome, HostWithoutAdaptersSaysSoAndAlertsOnce)
-{
+TEST(Welcome, HostWithoutAdaptersSaysSoAndAlertsOnce) {
     auto s = Start("no-nics", {}, "No compatible network adapter found. Please consult the");
     Console& console = s->Screen();
     HostRoot& root = s->Host();
@@ -129,13 +131,13 @@ TEST(Welcome, HostWithoutAdaptersSaysSoAndAlertsOnce)
     console.Signal(SIGUSR1);
     s->Key(Keys::F(4));
     ASSERT_TRUE(s->Settle());
-    EXPECT_EQ(Count(root.State().dump(), "No compatible network adapter found."), 1u) << root.State();
+    EXPECT_EQ(Count(root.State().dump(), "No compatible network adapter found."), 1u)
+        << root.State();
 }
 
 // ---------------------------------------------------------------- custom layout
 
-TEST(Welcome, CustomMessageWithItsSubstitutions)
-{
+TEST(Welcome, CustomMessageWithItsSubstitutions) {
     const std::string ready = "Zephora Ostra 8.0.3 build-24280767";
     auto s = Start("custom-welcome", {}, ready);
     Console& console = s->Screen();
@@ -153,9 +155,10 @@ TEST(Welcome, CustomMessageWithItsSubstitutions)
     EXPECT_TRUE(console.CellAt(4, 2).bg.IsIndex(0)) << console.CellAt(4, 2);
 }
 
-TEST(Welcome, CustomMessageWithThumbprintsAndFingerprints)
-{
-    auto s = Start("default", {.settings = {{"welcome-message", "SHA1 {ssl-thumbprint-sha-1}\nRSA {ssh-rsa-fingerprint}\nEnd"}}},
+TEST(Welcome, CustomMessageWithThumbprintsAndFingerprints) {
+    auto s = Start("default",
+                   {.settings = {{"welcome-message",
+                                  "SHA1 {ssl-thumbprint-sha-1}\nRSA {ssh-rsa-fingerprint}\nEnd"}}},
                    "End");
     Console& console = s->Screen();
     const std::string sha1 = At(console, 2, 2);
@@ -167,8 +170,7 @@ TEST(Welcome, CustomMessageWithThumbprintsAndFingerprints)
 
 // ---------------------------------------------------------------- following the host
 
-TEST(Welcome, ReloadSignalAndKeysShowHostChanges)
-{
+TEST(Welcome, ReloadSignalAndKeysShowHostChanges) {
     auto s = Start();
     Console& console = s->Screen();
     HostRoot& root = s->Host();
@@ -180,7 +182,8 @@ TEST(Welcome, ReloadSignalAndKeysShowHostChanges)
     console.Signal(SIGUSR1);
     ASSERT_TRUE(console.WaitForText("Maintenance window until Friday"));
     EXPECT_TRUE(console.WaitForTextGone("To manage this host"));
-    EXPECT_EQ(console.Find("Maintenance window until Friday"), std::make_optional(std::make_pair(2, 2)));
+    EXPECT_EQ(console.Find("Maintenance window until Friday"),
+              std::make_optional(std::make_pair(2, 2)));
     root.Set("welcome-message", "");
     console.Signal(SIGUSR1);
     ASSERT_TRUE(console.WaitForText("To manage this host, go to:"));
@@ -193,8 +196,7 @@ TEST(Welcome, ReloadSignalAndKeysShowHostChanges)
     EXPECT_EQ(At(console, kManagementRow + 1), "https://192.168.10.21/ (STATIC)");
 }
 
-TEST(Welcome, F4TogglesMonochrome)
-{
+TEST(Welcome, F4TogglesMonochrome) {
     auto s = Start();
     Console& console = s->Screen();
     const auto version = [&] { return console.CellAt(kVersionRow, kTextColumn); };
@@ -212,8 +214,7 @@ TEST(Welcome, F4TogglesMonochrome)
 
 // "linux" on something that is no virtual terminal becomes "vt102", as does no TERM at all:
 // no colour, standout for the dark zones, and F4 has nothing to toggle.
-TEST(Welcome, MonochromeTerminalUsesStandoutAndF4OnlyRepaints)
-{
+TEST(Welcome, MonochromeTerminalUsesStandoutAndF4OnlyRepaints) {
     for (const char* term : {"linux", ""}) {
         SCOPED_TRACE(std::string("TERM=") + term);
         auto s = Start("default", {.term = term});
@@ -222,7 +223,8 @@ TEST(Welcome, MonochromeTerminalUsesStandoutAndF4OnlyRepaints)
         ASSERT_TRUE(version.reverse) << version;
         EXPECT_EQ(version.fg.kind, Color::Kind::Default) << version;
         EXPECT_EQ(version.bg.kind, Color::Kind::Default) << version;
-        EXPECT_FALSE(console.CellAt(kManagementRow, kTextColumn).reverse) << "amber has no standout";
+        EXPECT_FALSE(console.CellAt(kManagementRow, kTextColumn).reverse)
+            << "amber has no standout";
         EXPECT_FALSE(console.Redefined(6)) << "no colour is redefined";
         // A toggle would leave the upper half without standout for good.
         s->Key(Keys::F(4));
@@ -231,12 +233,12 @@ TEST(Welcome, MonochromeTerminalUsesStandoutAndF4OnlyRepaints)
     }
 }
 
-TEST(Welcome, LibraryFailureLeavesTheAddressesEmpty)
-{
+TEST(Welcome, LibraryFailureLeavesTheAddressesEmpty) {
     // The host name is asked before the texts of the upper half are made, so only the footer
     // stands after the first filling.
-    auto s = Start("default", {.faults = {{"lib", "DnsConfigImpl::GetHostname", "name service down"}}},
-                   "<F2> Customize System/View Logs");
+    auto s =
+        Start("default", {.faults = {{"lib", "DnsConfigImpl::GetHostname", "name service down"}}},
+              "<F2> Customize System/View Logs");
     Console& console = s->Screen();
     HostRoot& root = s->Host();
     EXPECT_FALSE(console.Find("To manage this host"));
@@ -256,10 +258,12 @@ TEST(Welcome, LibraryFailureLeavesTheAddressesEmpty)
 
 // Without the host's state or its welcome message there is no screen: the program ends through
 // its top-level handler, the terminal restored.
-TEST(Welcome, UnreadableHostEndsTheProgram)
-{
+TEST(Welcome, UnreadableHostEndsTheProgram) {
     const std::vector<std::pair<SessionOptions, std::string>> cases = {
-        {{.prepare = [](HostRoot& host) { host.Write("/var/lib/hostsim/state.json", "{ this is not json"); }},
+        {{.prepare =
+              [](HostRoot& host) {
+                  host.Write("/var/lib/hostsim/state.json", "{ this is not json");
+              }},
          "state.json"},
         {{.faults = {{"lib", "SystemInfoImpl::GetWelcomeMessage", "message store gone"}}},
          "exception: message store gone"},
@@ -271,7 +275,8 @@ TEST(Welcome, UnreadableHostEndsTheProgram)
         ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "LANYX aborted by exception: "));
         const auto aborted = s.Host().Matching(Record::Syslog, "LANYX aborted by exception: ");
         ASSERT_EQ(aborted.size(), 1u);
-        EXPECT_NE(aborted[0].find(named), std::string::npos) << "the text names the cause: " << aborted[0];
+        EXPECT_NE(aborted[0].find(named), std::string::npos)
+            << "the text names the cause: " << aborted[0];
         EXPECT_TRUE(s.Screen().Modes().c_lflag & ICANON) << "terminal modes restored";
     }
 }

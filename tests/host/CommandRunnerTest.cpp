@@ -26,26 +26,26 @@ namespace {
 
 class RunCommandTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite()
-    {
+    static void SetUpTestSuite() {
         Host().WriteScript("/bin/status", "exit \"$1\"");
         Host().WriteScript("/bin/selfkill", "kill -TERM $$\nexit 0");
-        Host().WriteScript("/bin/bytes", "i=0\nwhile [ $i -lt \"$1\" ]; do printf x; i=$((i+1)); done");
+        Host().WriteScript("/bin/bytes",
+                           "i=0\nwhile [ $i -lt \"$1\" ]; do printf x; i=$((i+1)); done");
         Host().WriteScript("/bin/both", "printf out-text\nprintf err-text >&2\nexit 3");
         Host().WriteScript("/bin/flood", "/bin/dd if=/dev/zero bs=65536 count=16 status=none >&2\n"
-                                  "exec /bin/dd if=/dev/zero bs=65536 count=16 status=none");
+                                         "exec /bin/dd if=/dev/zero bs=65536 count=16 status=none");
         Host().WriteScript("/bin/hang", "exec /bin/sleep 60");
         Host().WriteScript("/bin/echoin", "exec /bin/cat");
         Host().WriteScript("/bin/noread", "exit 4");
         Host().WriteScript("/bin/daemonize", "/bin/sleep 30 &\nprintf started\nexit 0");
         Host().Write("/bin/plain", "not a program\n");
         for (const char* tool : {"ls", "grep", "printenv"})
-            std::filesystem::create_symlink(std::string("/usr/bin/") + tool, Host().File("/bin/") + tool);
+            std::filesystem::create_symlink(std::string("/usr/bin/") + tool,
+                                            Host().File("/bin/") + tool);
     }
 
     // Runs <root>/bin/<first word> with the words as its vector, capturing 255 bytes of stdout.
-    static std::string Run(std::vector<const char*> argv, int* result = nullptr)
-    {
+    static std::string Run(std::vector<const char*> argv, int* result = nullptr) {
         char out[300];
         std::memset(out, '#', sizeof out);
         int outLength = 255;
@@ -59,20 +59,19 @@ protected:
     }
 };
 
-int OpenDescriptors()
-{
+int OpenDescriptors() {
     int count = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
         ++count;
     return count;
 }
 
-TEST_F(RunCommandTest, ResultIsTheExitStatusOrMinusOne)
-{
+TEST_F(RunCommandTest, ResultIsTheExitStatusOrMinusOne) {
     using Case = std::tuple<const char*, const char*, int>;
     for (const auto& [tool, argument, expected] :
          {Case{"status", "0", 0}, Case{"status", "42", 42}, Case{"status", "255", 255},
-          Case{"selfkill", nullptr, -1}, Case{"missing", nullptr, -1}, Case{"plain", nullptr, -1}}) {
+          Case{"selfkill", nullptr, -1}, Case{"missing", nullptr, -1},
+          Case{"plain", nullptr, -1}}) {
         int result = 0;
         Run(argument ? std::vector{tool, argument} : std::vector{tool}, &result);
         EXPECT_EQ(result, expected) << tool << ' ' << (argument ? argument : "");
@@ -80,8 +79,7 @@ TEST_F(RunCommandTest, ResultIsTheExitStatusOrMinusOne)
     EXPECT_EQ(RunShell("status 9"), 9);
 }
 
-TEST_F(RunCommandTest, KillsAtTheTimeOutLogsBothLinesAndLeavesNothingOpen)
-{
+TEST_F(RunCommandTest, KillsAtTheTimeOutLogsBothLinesAndLeavesNothingOpen) {
     const int before = OpenDescriptors();
     Host().Mark();
     const char* const argv[] = {"hang", nullptr};
@@ -90,13 +88,13 @@ TEST_F(RunCommandTest, KillsAtTheTimeOutLogsBothLinesAndLeavesNothingOpen)
     const auto elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_GE(elapsed, std::chrono::milliseconds(950));
     EXPECT_LT(elapsed, std::chrono::seconds(20));
-    EXPECT_THAT(Host().Messages(), ElementsAre("user.warning Killing process because 1 seconds timeout expired",
-                                          "user.err Run Command did not terminate normally"));
+    EXPECT_THAT(Host().Messages(),
+                ElementsAre("user.warning Killing process because 1 seconds timeout expired",
+                            "user.err Run Command did not terminate normally"));
     EXPECT_EQ(OpenDescriptors(), before);
 }
 
-TEST_F(RunCommandTest, CapturesStayWithinTheirCapacity)
-{
+TEST_F(RunCommandTest, CapturesStayWithinTheirCapacity) {
     EXPECT_EQ(Run({"bytes", "1000"}), std::string(255, 'x'));
 
     char out[64], err[64];
@@ -108,10 +106,10 @@ TEST_F(RunCommandTest, CapturesStayWithinTheirCapacity)
 }
 
 // The time-outs only bound the test: a runner that let a pipe fill would be killed at them.
-TEST_F(RunCommandTest, StreamsBeyondAPipeNeitherBlockNorHurtTheCaller)
-{
+TEST_F(RunCommandTest, StreamsBeyondAPipeNeitherBlockNorHurtTheCaller) {
     const char* const flood[] = {"flood", nullptr};
-    EXPECT_EQ(RunCommand("/bin/flood", flood, nullptr, nullptr, nullptr, nullptr, nullptr, 0, 20), 0);
+    EXPECT_EQ(RunCommand("/bin/flood", flood, nullptr, nullptr, nullptr, nullptr, nullptr, 0, 20),
+              0);
 
     const std::string large(300000, 'i');
     char out[64];
@@ -136,8 +134,7 @@ TEST_F(RunCommandTest, StreamsBeyondAPipeNeitherBlockNorHurtTheCaller)
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
-TEST_F(RunCommandTest, ChildGetsThreeDescriptorsOneVariableAndTheBlockedSignals)
-{
+TEST_F(RunCommandTest, ChildGetsThreeDescriptorsOneVariableAndTheBlockedSignals) {
     const int leaked = ::open("/dev/null", O_RDONLY);
     ASSERT_GE(leaked, 3);
     // 3 is the listing's own handle on the folder.
@@ -162,8 +159,7 @@ TEST_F(RunCommandTest, ChildGetsThreeDescriptorsOneVariableAndTheBlockedSignals)
 } // namespace
 
 // Each lookup takes the root as it is now: a second root made by a test is not the first again.
-TEST(HostPath, FollowsTheCurrentRootAndLeavesDevicesAlone)
-{
+TEST(HostPath, FollowsTheCurrentRootAndLeavesDevicesAlone) {
     for (int round = 0; round < 2; ++round) {
         const LanyxTest::HostRoot root("");
         EXPECT_EQ(HostPath("/var/run/lanyx.pid"), root.Path() + "/var/run/lanyx.pid") << round;

@@ -21,33 +21,37 @@ namespace {
 
 // Each tool T appends "$*" to <root>/tmp/T.calls, then runs `body`, then prints <root>/tmp/T.out
 // and exits with the status in <root>/tmp/T.exit (0 when there is none).
-void Tool(const std::string& hostPath, const std::string& name, const std::string& body = "")
-{
+void Tool(const std::string& hostPath, const std::string& name, const std::string& body = "") {
     const std::string t = Host().Path() + "/tmp/" + name;
     Host().WriteScript(hostPath, "echo \"$*\" >> " + t + ".calls\n" + body + "\n[ -f " + t +
-                                        ".out ] && /bin/cat " + t + ".out\n[ -f " + t +
-                                        ".exit ] && exit $(/bin/cat " + t + ".exit)\nexit 0");
+                                     ".out ] && /bin/cat " + t + ".out\n[ -f " + t +
+                                     ".exit ] && exit $(/bin/cat " + t + ".exit)\nexit 0");
 }
 
-std::string Calls(const std::string& name) { return Host().Read("/tmp/" + name + ".calls"); }
+std::string Calls(const std::string& name) {
+    return Host().Read("/tmp/" + name + ".calls");
+}
 
 class HostToolsTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite()
-    {
+    static void SetUpTestSuite() {
         const std::string tmp = Host().Path() + "/tmp/";
         // <root>/tmp/refuse: "all" refuses every user, "others" every user but the service account.
-        Tool("/bin/helmq", "helmq", "R=$(/bin/cat " + tmp + "refuse 2>/dev/null)\nif [ \"$R\" = all ] "
-             "|| { [ \"$R\" = others ] && [ \"$2\" != lanyx ]; }; then printf refused; exit 255; fi");
-        Tool("/bin/ostraq", "ostraq", "[ \"$3\" = plank ] && printf 'Name=x\\nVersion=%s\\n' "
-             "\"$(/bin/cat " + tmp + "version)\" && exit 0");
+        Tool("/bin/helmq", "helmq",
+             "R=$(/bin/cat " + tmp +
+                 "refuse 2>/dev/null)\nif [ \"$R\" = all ] "
+                 "|| { [ \"$R\" = others ] && [ \"$2\" != lanyx ]; }; then printf refused; exit "
+                 "255; fi");
+        Tool("/bin/ostraq", "ostraq",
+             "[ \"$3\" = plank ] && printf 'Name=x\\nVersion=%s\\n' "
+             "\"$(/bin/cat " +
+                 tmp + "version)\" && exit 0");
         Tool("/bin/haltGuests", "halt");
         Tool("/usr/lib64/zephora/gridmesh-opsagent/bin/gridmeshcfg-xbar", "xbar",
              "printf 'bad port'; printf oops >&2");
     }
 
-    void SetUp() override
-    {
+    void SetUp() override {
         std::filesystem::remove_all(Host().File("/tmp"));
         std::filesystem::create_directory(Host().File("/tmp"));
         Host().Remove("/etc/init.d/gridmesh-opsagent");
@@ -55,8 +59,7 @@ protected:
     }
 };
 
-TEST_F(HostToolsTest, HelmqRefusalRetriesOnceAsTheServiceAccount)
-{
+TEST_F(HostToolsTest, HelmqRefusalRetriesOnceAsTheServiceAccount) {
     Host().Write("/tmp/refuse", "others");
     Host().Write("/tmp/helmq.out", "done");
     Host().Mark();
@@ -66,8 +69,9 @@ TEST_F(HostToolsTest, HelmqRefusalRetriesOnceAsTheServiceAccount)
     EXPECT_EQ(RunHelmq("/bin/helmq", argv, out, &outLength), 0);
     EXPECT_STREQ(argv[2], "lanyx");
     EXPECT_EQ(std::string(out, outLength), "done");
-    EXPECT_THAT(Host().Messages(), ElementsAre("user.info Unable to execute command helmq "
-                                          "helmnode/start_ssh using user alice. Using user lanyx"));
+    EXPECT_THAT(Host().Messages(),
+                ElementsAre("user.info Unable to execute command helmq "
+                            "helmnode/start_ssh using user alice. Using user lanyx"));
 
     // A second refusal is the result; any other failure is not retried.
     const char* const once = "-U alice helmnode/stop_ssh\n";
@@ -83,11 +87,10 @@ TEST_F(HostToolsTest, HelmqRefusalRetriesOnceAsTheServiceAccount)
     }
 }
 
-TEST_F(HostToolsTest, HelmqQueryBoolIsDecidedByTheOutputAlone)
-{
+TEST_F(HostToolsTest, HelmqQueryBoolIsDecidedByTheOutputAlone) {
     for (const auto& [output, status, expected] :
-         {std::tuple{"true\n", "0", true}, std::tuple{"True", "0", false}, std::tuple{" true", "0", false},
-          std::tuple{"true", "3", true}}) {
+         {std::tuple{"true\n", "0", true}, std::tuple{"True", "0", false},
+          std::tuple{" true", "0", false}, std::tuple{"true", "3", true}}) {
         Host().Write("/tmp/helmq.out", output);
         Host().Write("/tmp/helmq.exit", status);
         EXPECT_EQ(HelmqQueryBool("helmsvc/auth/lockdown_is_enabled"), expected) << output << status;
@@ -95,17 +98,18 @@ TEST_F(HostToolsTest, HelmqQueryBoolIsDecidedByTheOutputAlone)
     EXPECT_THAT(Calls("helmq"), StartsWith("-U lanyx helmsvc/auth/lockdown_is_enabled\n"));
     Host().Mark();
     HelmqQueryBool("helmsvc/auth/lockdown_is_possible");
-    EXPECT_THAT(Host().Messages(), ElementsAre("user.info helmq invocation: get helmsvc/auth/lockdown_is_possible",
-                                          StartsWith("user.err helmq invocation failure: ")));
+    EXPECT_THAT(Host().Messages(),
+                ElementsAre("user.info helmq invocation: get helmsvc/auth/lockdown_is_possible",
+                            StartsWith("user.err helmq invocation failure: ")));
 }
 
-TEST_F(HostToolsTest, AgentIsUsableWhenPresentFromVersionThree)
-{
+TEST_F(HostToolsTest, AgentIsUsableWhenPresentFromVersionThree) {
     Host().Mark();
     EXPECT_FALSE(GridmeshAgentUsable());
     EXPECT_EQ(Calls("ostraq"), "");
-    EXPECT_THAT(Host().Messages(), ElementsAre("user.info Running: /etc/init.d/gridmesh-opsagent status",
-                                          "user.info gridmesh-opsagent is not present on the system."));
+    EXPECT_THAT(Host().Messages(),
+                ElementsAre("user.info Running: /etc/init.d/gridmesh-opsagent status",
+                            "user.info gridmesh-opsagent is not present on the system."));
 
     Tool("/etc/init.d/gridmesh-opsagent", "agent");
     for (const auto& [version, usable] :
@@ -123,15 +127,15 @@ TEST_F(HostToolsTest, AgentIsUsableWhenPresentFromVersionThree)
     }
 }
 
-TEST_F(HostToolsTest, AgentStartFollowsOnlyAStopThatWorked)
-{
+TEST_F(HostToolsTest, AgentStartFollowsOnlyAStopThatWorked) {
     Tool("/etc/init.d/gridmesh-opsagent", "agent");
     bool stopped = false;
     Host().Mark();
     GridmeshAgentStop(stopped);
     GridmeshAgentStart(stopped);
     EXPECT_EQ(Calls("agent"), "stop\nstart\n");
-    EXPECT_EQ(Host().Messages().back(), "user.info gridmesh-opsagent has been successfully started.");
+    EXPECT_EQ(Host().Messages().back(),
+              "user.info gridmesh-opsagent has been successfully started.");
 
     Host().Remove("/tmp/agent.calls");
     Host().Write("/tmp/agent.exit", "1");
@@ -140,12 +144,11 @@ TEST_F(HostToolsTest, AgentStartFollowsOnlyAStopThatWorked)
     GridmeshAgentStart(stopped);
     EXPECT_EQ(Calls("agent"), "stop\n");
     EXPECT_THAT(Host().Messages(), ElementsAre("user.info Stopping gridmesh-opsagent.",
-                                          "user.err Failed to stop gridmesh-opsagent.",
-                                          "user.info Skipping gridmesh-opsagent start."));
+                                               "user.err Failed to stop gridmesh-opsagent.",
+                                               "user.info Skipping gridmesh-opsagent start."));
 }
 
-TEST_F(HostToolsTest, CommandLinesAndTheirRecords)
-{
+TEST_F(HostToolsTest, CommandLinesAndTheirRecords) {
     loginUser = "operator1";
     HelmqRefresh();
     HaltGuestsAndAutostop(false);
@@ -157,10 +160,11 @@ TEST_F(HostToolsTest, CommandLinesAndTheirRecords)
     EXPECT_TRUE(SetXbarUplink("switch1", "hwport1", true));
     EXPECT_TRUE(SetXbarUplink("switch1", "hwport0", false));
     EXPECT_TRUE(AddXbarPortGroup("Management Network", "switch1"));
-    EXPECT_EQ(Calls("ostraq"), "network xbar standard add -v switch1\n"
-                               "network xbar standard uplink add -u hwport1 -v switch1\n"
-                               "network xbar standard uplink remove -u hwport0 -v switch1\n"
-                               "network xbar standard portgroup add -p Management Network -v switch1\n");
+    EXPECT_EQ(Calls("ostraq"),
+              "network xbar standard add -v switch1\n"
+              "network xbar standard uplink add -u hwport1 -v switch1\n"
+              "network xbar standard uplink remove -u hwport0 -v switch1\n"
+              "network xbar standard portgroup add -p Management Network -v switch1\n");
 
     Host().Mark();
     EXPECT_TRUE(GridmeshCfgMove("fport-7", "tnic1"));
@@ -170,12 +174,13 @@ TEST_F(HostToolsTest, CommandLinesAndTheirRecords)
     Host().Write("/tmp/ostraq.out", "already exists");
     Host().Write("/tmp/ostraq.exit", "1");
     EXPECT_FALSE(AddXbar("switch1"));
-    EXPECT_THAT(Host().Messages(),
-                ElementsAre("user.info Command \"gridmeshcfg-xbar -m -p fport-7 -I tnic1\" succeeded",
-                            "user.err Command \"gridmeshcfg-xbar -m -p fport-7 -I tnic1\" failed (rc=2): "
-                            "(stdout=bad port, stderr=oops)",
-                            "user.err Command \"ostraq network xbar standard add -v switch1\" failed "
-                            "(rc=1): already exists"));
+    EXPECT_THAT(
+        Host().Messages(),
+        ElementsAre("user.info Command \"gridmeshcfg-xbar -m -p fport-7 -I tnic1\" succeeded",
+                    "user.err Command \"gridmeshcfg-xbar -m -p fport-7 -I tnic1\" failed (rc=2): "
+                    "(stdout=bad port, stderr=oops)",
+                    "user.err Command \"ostraq network xbar standard add -v switch1\" failed "
+                    "(rc=1): already exists"));
 }
 
 } // namespace

@@ -8,15 +8,18 @@ namespace HostTest {
 class ShellRoot : public LanyxTest::ProgramHost {
 public:
     ShellRoot() : ProgramHost("") {}
-    void SetUp() override
-    {
+    void SetUp() override {
         ProgramHost::SetUp();
-        Host().WriteScript("/bin/sh", "PATH=" + Host().Path() + "/bin:/usr/bin:/bin\nexport PATH\nexec /bin/bash \"$@\"");
+        Host().WriteScript("/bin/sh", "PATH=" + Host().Path() +
+                                          "/bin:/usr/bin:/bin\nexport PATH\nexec /bin/bash \"$@\"");
     }
 };
 
-inline ShellRoot* const program = static_cast<ShellRoot*>(::testing::AddGlobalTestEnvironment(new ShellRoot));
+inline ShellRoot* const program =
+    static_cast<ShellRoot*>(::testing::AddGlobalTestEnvironment(new ShellRoot));
 
-inline LanyxTest::HostRoot& Host() { return program->Host(); }
+inline LanyxTest::HostRoot& Host() {
+    return program->Host();
+}
 
 } // namespace HostTest

@@ -34,7 +34,9 @@ std::vector<std::string> ProfileNames() {
     return names;
 }
 
-bool Exists(const HostRoot& root, const std::string& hostPath) { return std::filesystem::exists(root.File(hostPath)); }
+bool Exists(const HostRoot& root, const std::string& hostPath) {
+    return std::filesystem::exists(root.File(hostPath));
+}
 
 } // namespace
 
@@ -50,11 +52,13 @@ TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
         auto state = HostSim::StateStore(root.Path()).Read();
         EXPECT_EQ(state["profile"], profile);
         EXPECT_TRUE(state["accounts"].is_array());
-        for (const char* path : {"/bin/sh", "/bin/helmq", "/sbin/ostraq", "/etc/init.d/SSH", "/etc/zephora/support",
-                                 "/etc/zephora/ssl/node.crt", "/var/log/syslog.log", "/bin/openssl", "/bin/less"})
+        for (const char* path :
+             {"/bin/sh", "/bin/helmq", "/sbin/ostraq", "/etc/init.d/SSH", "/etc/zephora/support",
+              "/etc/zephora/ssl/node.crt", "/var/log/syslog.log", "/bin/openssl", "/bin/less"})
             EXPECT_TRUE(Exists(root, path)) << path;
         EXPECT_EQ(Exists(root, "/var/run/zephora/show-lanyx-login"), profile != "no-login");
-        EXPECT_NE(root.Read("/etc/pam.d/lanyx").find("pam_hostsim.so root=" + root.Path()), std::string::npos);
+        EXPECT_NE(root.Read("/etc/pam.d/lanyx").find("pam_hostsim.so root=" + root.Path()),
+                  std::string::npos);
     }
 }
 
@@ -62,7 +66,8 @@ TEST(HostsimCommand, DefaultRootHasTheRealCertificateAndIsNotReplacedUnasked) {
     HostRoot root("");
     ASSERT_EQ(Hostsim({"create", root.Path(), "--force"}).status, 0);
     // The root's shell sees the root's commands first.
-    EXPECT_NE(root.Read("/bin/sh").find("PATH=" + root.Path() + "/bin:" + root.Path() + "/sbin:"), std::string::npos);
+    EXPECT_NE(root.Read("/bin/sh").find("PATH=" + root.Path() + "/bin:" + root.Path() + "/sbin:"),
+              std::string::npos);
     const std::string check = "openssl x509 -in " + root.File("/etc/zephora/ssl/node.crt") +
                               " -noout -fingerprint -SHA1 >/dev/null 2>&1";
     EXPECT_EQ(std::system(check.c_str()), 0);
@@ -75,12 +80,15 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
     HostRoot root("");
     ASSERT_EQ(Hostsim({"create", root.Path(), "--force"}).status, 0);
     EXPECT_EQ(Hostsim({"set", root.Path(), "lanyx-timeout", "300"}).status, 0);
-    EXPECT_EQ(Hostsim({"fault", root.Path(), "lib", "SmartCardInfoImpl::GetToken", "reader gone"}).status, 0);
+    EXPECT_EQ(
+        Hostsim({"fault", root.Path(), "lib", "SmartCardInfoImpl::GetToken", "reader gone"}).status,
+        0);
     EXPECT_EQ(Hostsim({"fault", root.Path(), "tool", "helmq", "exit", "255"}).status, 0);
     EXPECT_EQ(Hostsim({"fault", root.Path(), "tool", "helmq", "output", "true"}).status, 0);
     auto state = HostSim::StateStore(root.Path()).Read();
     EXPECT_EQ(state["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 300);
-    EXPECT_EQ(state["faults"]["tool"]["helmq"], (nlohmann::json{{"exit", 255}, {"output", "true"}}));
+    EXPECT_EQ(state["faults"]["tool"]["helmq"],
+              (nlohmann::json{{"exit", 255}, {"output", "true"}}));
 
     const std::string before = root.Read("/var/lib/hostsim/state.json");
     for (const auto& bad : std::vector<std::vector<std::string>>{
@@ -90,7 +98,8 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
              {"fault", root.Path(), "tool", "helmq", "exit", "256"},
              {"set", root.Path() + "/missing", "hostname", "x"}}) {
         auto result = Hostsim(bad);
-        EXPECT_EQ(result.status, 2) << bad[0] << " " << (bad.size() > 2 ? bad[2] : "") << ": " << result.output;
+        EXPECT_EQ(result.status, 2)
+            << bad[0] << " " << (bad.size() > 2 ? bad[2] : "") << ": " << result.output;
         EXPECT_FALSE(result.output.empty());
     }
     EXPECT_EQ(root.Read("/var/lib/hostsim/state.json"), before);
@@ -113,12 +122,14 @@ TEST(HostsimCommand, AbsentToolLeavesTheRootUntilItsFaultIsCleared) {
     const std::string script = root.Read("/sbin/ostraq");
     ASSERT_FALSE(script.empty());
     // Every path of the tool goes; other tools stay.
-    for (const auto& clear : std::vector<std::vector<std::string>>{{"clear", "ostraq"}, {"clear"}}) {
+    for (const auto& clear :
+         std::vector<std::vector<std::string>>{{"clear", "ostraq"}, {"clear"}}) {
         ASSERT_EQ(Hostsim({"fault", root.Path(), "tool", "ostraq", "absent"}).status, 0);
         EXPECT_FALSE(Exists(root, "/sbin/ostraq"));
         EXPECT_FALSE(Exists(root, "/bin/ostraq"));
         EXPECT_TRUE(Exists(root, "/sbin/benchq"));
-        EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["faults"]["tool"]["ostraq"], (nlohmann::json{{"absent", true}}));
+        EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["faults"]["tool"]["ostraq"],
+                  (nlohmann::json{{"absent", true}}));
         std::vector<std::string> args{"fault", root.Path()};
         args.insert(args.end(), clear.begin(), clear.end());
         ASSERT_EQ(Hostsim(args).status, 0);

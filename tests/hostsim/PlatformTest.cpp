@@ -8,11 +8,11 @@
 #include <gtest/gtest.h>
 
 #include "HostRoot.hpp"
-#include "store/StateStore.hpp"
 #include "keelson/Adv.hpp"
 #include "keelson/Hardware.hpp"
 #include "keelson/Lib.hpp"
 #include "keelson/Util.hpp"
+#include "store/StateStore.hpp"
 #include "zephora/notauser.h"
 #include "zephora/probe.h"
 #include "zephora/support.h"
@@ -25,10 +25,12 @@ namespace {
 nlohmann::json SmallState() {
     return {{"product", {{"name", "Zephora Ostra"}, {"version", "8.0.3"}, {"build", 123}}},
             {"advancedOptions",
-             {{"/UserVars/LanyxTimeOut", {{"type", "integer"}, {"value", 600}, {"min", 0}, {"max", 86400}}}}},
+             {{"/UserVars/LanyxTimeOut",
+               {{"type", "integer"}, {"value", 600}, {"min", 0}, {"max", 86400}}}}},
             {"smartCard",
-             {{"slots", {{{"name", "empty"}, {"token", nullptr}},
-                         {{"name", "card"}, {"token", {{"label", "PIV"}, {"userIds", {"root"}}}}}}}}},
+             {{"slots",
+               {{{"name", "empty"}, {"token", nullptr}},
+                {{"name", "card"}, {"token", {{"label", "PIV"}, {"userIds", {"root"}}}}}}}}},
             {"faults", {{"lib", nlohmann::json::object()}, {"tool", nlohmann::json::object()}}}};
 }
 
@@ -49,7 +51,8 @@ std::string WithoutStamps(const std::string& text) {
     for (std::string line; std::getline(lines, line);) {
         bool stamped = line.size() >= shape.size();
         for (size_t i = 0; stamped && i < shape.size(); ++i)
-            stamped = shape[i] == 'd' ? std::isdigit(static_cast<unsigned char>(line[i])) != 0 : line[i] == shape[i];
+            stamped = shape[i] == 'd' ? std::isdigit(static_cast<unsigned char>(line[i])) != 0
+                                      : line[i] == shape[i];
         rest += (stamped ? line.substr(shape.size()) : line) + "\n";
     }
     return rest;
@@ -59,7 +62,8 @@ std::string WithoutStamps(const std::string& text) {
 
 TEST(Platform, DamagedOrMissingStateBecomesKeelsonExceptionNamingTheFile) {
     TempRoot root("");
-    std::string text = ThrownText([] { delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"); });
+    std::string text = ThrownText(
+        [] { delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"); });
     EXPECT_NE(text.find("state.json"), std::string::npos) << text;
     root.Write("/var/lib/hostsim/state.json", "{\"product\": ");
     text = ThrownText([] { TesselCtl::Hardware::GetSmartCardInfo().GetAllSlots(); });
@@ -79,16 +83,23 @@ TEST(Platform, FaultsMakeTheNamedOperationFail) {
     root.LibFault("TesselCtl_Exec", "exec broken");
     root.LibFault("NotaUserLib_Init", "no notad");
 
-    EXPECT_EQ(ThrownText([] { delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"); }),
+    EXPECT_EQ(ThrownText([] {
+                  delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut");
+              }),
               "options broken");
     Keelson::Hardware::SmartCardToken token;
-    EXPECT_EQ(ThrownText([&] { TesselCtl::Hardware::GetSmartCardInfo().GetToken("card", token); }), "reader broken");
+    EXPECT_EQ(ThrownText([&] { TesselCtl::Hardware::GetSmartCardInfo().GetToken("card", token); }),
+              "reader broken");
     // Other operations of the same object are not touched.
     EXPECT_EQ(TesselCtl::Hardware::GetSmartCardInfo().GetAllSlots().size(), 2u);
     char record[PROBE_SYSTEM_VERSION_SIZE];
-    EXPECT_EQ(ThrownText([&] { TesselCtl::Util::SysinfoUtil::SysinfoGet(Probe_NODE_system_version, record, sizeof record); }),
+    EXPECT_EQ(ThrownText([&] {
+                  TesselCtl::Util::SysinfoUtil::SysinfoGet(Probe_NODE_system_version, record,
+                                                           sizeof record);
+              }),
               "node broken");
-    EXPECT_EQ(ThrownText([] { TesselCtl::Util::TesselCtl_Exec("true", false, true, false); }), "exec broken");
+    EXPECT_EQ(ThrownText([] { TesselCtl::Util::TesselCtl_Exec("true", false, true, false); }),
+              "exec broken");
     EXPECT_NE(NotaUserLib_Init(), 0);
 }
 
@@ -99,7 +110,8 @@ TEST(Platform, ExecRunsTheLineAndGivesItsStatus) {
     const std::string marker = root.File("/tmp-marker");
     EXPECT_EQ(TesselCtl::Util::TesselCtl_Exec("echo hi > " + marker, false, true, false), 0);
     EXPECT_EQ(root.Read("/tmp-marker"), "hi\n");
-    EXPECT_THROW(TesselCtl::Util::TesselCtl_Exec("kill -9 $$", false, true, false), KeelsonException);
+    EXPECT_THROW(TesselCtl::Util::TesselCtl_Exec("kill -9 $$", false, true, false),
+                 KeelsonException);
 }
 
 TEST(Platform, SyslogRecordsHonourFacilityMaskAndErrno) {
@@ -115,6 +127,8 @@ TEST(Platform, SyslogRecordsHonourFacilityMaskAndErrno) {
     setlogmask(0xFF);
     const std::string tag = " LANYX[" + std::to_string(::getpid()) + "]: ";
     EXPECT_EQ(WithoutStamps(root.Read("/var/log/syslog.log")),
-              "user.info" + tag + "Starting LANYX\nauth.err" + tag + "Authentication of user bob failed\n"
-              "local3.warning" + tag + "open: No such file or directory, 100% sure\n");
+              "user.info" + tag + "Starting LANYX\nauth.err" + tag +
+                  "Authentication of user bob failed\n"
+                  "local3.warning" +
+                  tag + "open: No such file or directory, 100% sure\n");
 }

@@ -35,7 +35,8 @@ TEST(StateStore, RootPathJoinsUnderTheRootAndUpdatesKeepTheRest) {
     TempRoot root("");
     HostSim::StateStore(root.Path()).Write({{"host", {{"hostname", "a"}}}});
     HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["host"]["domain"] = "b"; });
-    EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["host"], (nlohmann::json{{"hostname", "a"}, {"domain", "b"}}));
+    EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["host"],
+              (nlohmann::json{{"hostname", "a"}, {"domain", "b"}}));
 }
 
 TEST(StateStore, DamagedStatesAreNamedAndLeftAsTheyWere) {
@@ -43,18 +44,21 @@ TEST(StateStore, DamagedStatesAreNamedAndLeftAsTheyWere) {
     EXPECT_NE(ReadError(root).find("missing"), std::string::npos);
     EXPECT_NE(ReadError(root).find(root.File(kStatePath)), std::string::npos);
 
-    for (const std::string& damaged : {std::string(""), std::string("{\"host\": {\"hostname\": \"a"),
-                                      std::string("[1, 2]"), std::string("\x01\x02garbage")}) {
+    for (const std::string& damaged :
+         {std::string(""), std::string("{\"host\": {\"hostname\": \"a"), std::string("[1, 2]"),
+          std::string("\x01\x02garbage")}) {
         SCOPED_TRACE(damaged);
         root.Write(kStatePath, damaged);
         std::string error = ReadError(root);
         EXPECT_NE(error.find(root.File(kStatePath)), std::string::npos) << error;
-        EXPECT_THROW(HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["x"] = 1; }), StateError);
+        EXPECT_THROW(HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["x"] = 1; }),
+                     StateError);
         EXPECT_EQ(root.Read(kStatePath), damaged);
     }
     root.Write(kStatePath, "");
     EXPECT_NE(ReadError(root).find("empty"), std::string::npos);
-    EXPECT_THROW(HostSim::StateStore(root.Path() + "/nowhere").Write(nlohmann::json::object()), StateError);
+    EXPECT_THROW(HostSim::StateStore(root.Path() + "/nowhere").Write(nlohmann::json::object()),
+                 StateError);
 }
 
 TEST(StateStore, AChangeThatThrowsWritesNothing) {
@@ -68,7 +72,8 @@ TEST(StateStore, AChangeThatThrowsWritesNothing) {
                  std::runtime_error);
     EXPECT_EQ(root.Read(kStatePath), before);
     // No temporary file is left behind either: state.json and state.lock only.
-    const auto files = std::distance(std::filesystem::directory_iterator(root.File("/var/lib/hostsim")), {});
+    const auto files =
+        std::distance(std::filesystem::directory_iterator(root.File("/var/lib/hostsim")), {});
     EXPECT_EQ(files, 2);
 }
 
@@ -85,7 +90,9 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
         if (pid == 0) {
             try {
                 for (int i = 0; i < kIncrements; ++i) {
-                    HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
+                    HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) {
+                        s["count"] = s["count"].get<int>() + 1;
+                    });
                 }
             } catch (...) {
                 ::_exit(1);
@@ -101,7 +108,8 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
         while (!done) {
             try {
                 auto s = HostSim::StateStore(root.Path()).Read();
-                if (s["padding"].get<std::string>().size() != 50000) ++badReads;
+                if (s["padding"].get<std::string>().size() != 50000)
+                    ++badReads;
             } catch (...) {
                 ++badReads;
             }
@@ -113,11 +121,14 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
     for (int t = 0; t < 2; ++t) {
         writers.emplace_back([&] {
             for (int i = 0; i < kIncrements; ++i) {
-                HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) { s["count"] = s["count"].get<int>() + 1; });
+                HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) {
+                    s["count"] = s["count"].get<int>() + 1;
+                });
             }
         });
     }
-    for (auto& w : writers) w.join();
+    for (auto& w : writers)
+        w.join();
     for (pid_t pid : children) {
         int status = 0;
         ASSERT_EQ(::waitpid(pid, &status, 0), pid);

@@ -22,7 +22,8 @@ using Strings = std::vector<std::string>;
 std::string Hash(const std::string& password) {
     crypt_data data{};
     const char* hash = crypt_r(password.c_str(), "$6$salt$", &data);
-    if (hash == nullptr || hash[0] != '$') throw std::runtime_error("crypt_r failed");
+    if (hash == nullptr || hash[0] != '$')
+        throw std::runtime_error("crypt_r failed");
     return hash;
 }
 
@@ -32,10 +33,12 @@ struct Conversation {
     Strings prompts;
     int largestCall = 0;
 
-    static int Converse(int count, const pam_message** messages, pam_response** responses, void* data) {
+    static int Converse(int count, const pam_message** messages, pam_response** responses,
+                        void* data) {
         auto* self = static_cast<Conversation*>(data);
         self->largestCall = std::max(self->largestCall, count);
-        auto* list = static_cast<pam_response*>(std::calloc(static_cast<size_t>(count), sizeof(pam_response)));
+        auto* list = static_cast<pam_response*>(
+            std::calloc(static_cast<size_t>(count), sizeof(pam_response)));
         for (int i = 0; i < count; ++i) {
             const std::string text = messages[i]->msg ? messages[i]->msg : "";
             if (messages[i]->msg_style == PAM_PROMPT_ECHO_OFF) {
@@ -56,10 +59,14 @@ protected:
     void SetUp() override {
         json accounts = json::array();
         for (const auto& [name, password, expired, permitted] :
-             {std::tuple{"root", "lanyx-Root1", false, true}, std::tuple{"guest", "guest-Pass1", false, false},
-              std::tuple{"expired", "expired-Pass1", true, true}, std::tuple{"open", "", false, true}})
-            accounts.push_back({{"name", name}, {"hash", *password ? Hash(password) : ""},
-                                {"expired", expired}, {"permitted", permitted}});
+             {std::tuple{"root", "lanyx-Root1", false, true},
+              std::tuple{"guest", "guest-Pass1", false, false},
+              std::tuple{"expired", "expired-Pass1", true, true},
+              std::tuple{"open", "", false, true}})
+            accounts.push_back({{"name", name},
+                                {"hash", *password ? Hash(password) : ""},
+                                {"expired", expired},
+                                {"permitted", permitted}});
         HostSim::StateStore(root_.Path()).Write({{"schema", 1}, {"accounts", accounts}});
         std::filesystem::create_directories(root_.Path() + "/etc/pam.d");
         WriteService("root=" + root_.Path());
@@ -76,11 +83,17 @@ protected:
         conversation.answers.assign(answers.begin(), answers.end());
         const pam_conv conv = {Conversation::Converse, &conversation};
         pam_handle_t* handle = nullptr;
-        int result = pam_start_confdir("lanyx", user.c_str(), &conv, (root_.Path() + "/etc/pam.d").c_str(), &handle);
-        const auto going = [&result] { return result == PAM_SUCCESS || result == PAM_NEW_AUTHTOK_REQD; };
-        if (result == PAM_SUCCESS) result = pam_authenticate(handle, PAM_SILENT);
-        if (going()) result = pam_acct_mgmt(handle, PAM_SILENT);
-        if (handle) pam_end(handle, result);
+        int result = pam_start_confdir("lanyx", user.c_str(), &conv,
+                                       (root_.Path() + "/etc/pam.d").c_str(), &handle);
+        const auto going = [&result] {
+            return result == PAM_SUCCESS || result == PAM_NEW_AUTHTOK_REQD;
+        };
+        if (result == PAM_SUCCESS)
+            result = pam_authenticate(handle, PAM_SILENT);
+        if (going())
+            result = pam_acct_mgmt(handle, PAM_SILENT);
+        if (handle)
+            pam_end(handle, result);
         return result;
     }
     int CheckLogin(const std::string& user, const std::string& password) {
@@ -95,9 +108,12 @@ protected:
 
 TEST_F(PamTest, LoginResultsAreThoseTheConsoleTellsApart) {
     for (const auto& [user, password, result] :
-         {std::tuple{"root", "lanyx-Root1", PAM_SUCCESS}, std::tuple{"root", "lanyx-root1", PAM_AUTH_ERR},
-          std::tuple{"nobody", "lanyx-Root1", PAM_AUTH_ERR}, std::tuple{"guest", "guest-Pass1", PAM_PERM_DENIED},
-          std::tuple{"guest", "wrong", PAM_AUTH_ERR}, std::tuple{"expired", "expired-Pass1", PAM_NEW_AUTHTOK_REQD},
+         {std::tuple{"root", "lanyx-Root1", PAM_SUCCESS},
+          std::tuple{"root", "lanyx-root1", PAM_AUTH_ERR},
+          std::tuple{"nobody", "lanyx-Root1", PAM_AUTH_ERR},
+          std::tuple{"guest", "guest-Pass1", PAM_PERM_DENIED},
+          std::tuple{"guest", "wrong", PAM_AUTH_ERR},
+          std::tuple{"expired", "expired-Pass1", PAM_NEW_AUTHTOK_REQD},
           std::tuple{"open", "", PAM_SUCCESS}, std::tuple{"open", "x", PAM_AUTH_ERR}})
         EXPECT_EQ(CheckLogin(user, password), result) << user << ' ' << password;
 }

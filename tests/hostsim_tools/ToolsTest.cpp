@@ -60,10 +60,11 @@ protected:
 
 TEST_F(ToolsTest, WrongArgumentsOrADamagedStateChangeNothing) {
     const json before = State();
-    for (const Args& wrong : {Args{"helmq", "-U", "root"}, Args{"helmq", "-U", "root", "helmnode/fly"},
-                              Args{"ostraq", "network", "xbar", "standard", "add", "-v", "a", "-v", "b"},
-                              Args{"ostraq", "system", "settings", "advanced", "set", "-i", "5"},
-                              Args{"no-such-tool"}}) {
+    for (const Args& wrong :
+         {Args{"helmq", "-U", "root"}, Args{"helmq", "-U", "root", "helmnode/fly"},
+          Args{"ostraq", "network", "xbar", "standard", "add", "-v", "a", "-v", "b"},
+          Args{"ostraq", "system", "settings", "advanced", "set", "-i", "5"},
+          Args{"no-such-tool"}}) {
         const Result result = Tool(wrong);
         EXPECT_EQ(result.status, 2) << wrong[0] << ' ' << wrong.back();
         EXPECT_FALSE(result.out.empty()) << wrong[0] << ' ' << wrong.back();
@@ -73,7 +74,8 @@ TEST_F(ToolsTest, WrongArgumentsOrADamagedStateChangeNothing) {
     std::ofstream(HostSim::StateStore(root_.Path()).StatePath()) << "{ not json";
     const Result damaged = Tool({"SSH", "status"});
     EXPECT_EQ(damaged.status, 1);
-    EXPECT_NE(damaged.out.find(HostSim::StateStore(root_.Path()).StatePath()), std::string::npos) << damaged.out;
+    EXPECT_NE(damaged.out.find(HostSim::StateStore(root_.Path()).StatePath()), std::string::npos)
+        << damaged.out;
 }
 
 TEST_F(ToolsTest, HelmqRefusesUnknownUsersWith255AndAnswersQueriesOnItsOutput) {
@@ -100,8 +102,8 @@ TEST_F(ToolsTest, HelmqRefusesUnknownUsersWith255AndAnswersQueriesOnItsOutput) {
 }
 
 TEST_F(ToolsTest, OstraqReportsTheAgentVersionOnOneLine) {
-    const Result result =
-        Tool({"ostraq", "--formatter=keyvalue", "software", "plank", "get", "-n", "gridmesh-opsagent"});
+    const Result result = Tool(
+        {"ostraq", "--formatter=keyvalue", "software", "plank", "get", "-n", "gridmesh-opsagent"});
     ASSERT_EQ(result.status, 0) << result.out;
     EXPECT_NE(result.out.find("\nVersion=3.1.0\n"), std::string::npos) << result.out;
     // The console's check picks the version out by that word.
@@ -135,10 +137,11 @@ TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
         std::string out;
         bool timedOut;
     };
-    for (const Case& c : {Case{{{"exit", 7}}, 7, "", false}, Case{{{"output", "true"}}, 0, "true\n", false},
-                          Case{{{"signal", true}}, -1, "", false},
-                          Case{{{"output", "abc"}, {"exit", 3}}, 3, "abc\n", false},
-                          Case{{{"output", "waiting"}, {"hang", true}}, -1, "waiting\n", true}}) {
+    for (const Case& c :
+         {Case{{{"exit", 7}}, 7, "", false}, Case{{{"output", "true"}}, 0, "true\n", false},
+          Case{{{"signal", true}}, -1, "", false},
+          Case{{{"output", "abc"}, {"exit", 3}}, 3, "abc\n", false},
+          Case{{{"output", "waiting"}, {"hang", true}}, -1, "waiting\n", true}}) {
         Change([&](json& s) { s["faults"]["tool"]["helmq"] = c.fault; });
         const Result result = Tool(query, std::chrono::milliseconds(c.timedOut ? 3000 : 20000));
         EXPECT_EQ(result.status, c.status) << c.fault;

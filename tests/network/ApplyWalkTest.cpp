@@ -27,10 +27,11 @@ public:
     int reboots = 0;
 };
 
-const json& Tnic(const json& state) { return state["network"]["interfaces"][0]; }
+const json& Tnic(const json& state) {
+    return state["network"]["interfaces"][0];
+}
 
-Strings Calls(const json& state)
-{
+Strings Calls(const json& state) {
     Strings calls;
     for (const json& record : state.value("libRecords", json::array()))
         calls.push_back(record["operation"].get<std::string>());
@@ -40,8 +41,7 @@ Strings Calls(const json& state)
 // A failure text in the library's own form: the summary is what stands between "=" and ";".
 constexpr const char* kFault = "TesselCtl error=Resource busy; errno 16";
 
-void StaticAddress(PendingConfiguration& p, const char* address, const char* gateway)
-{
+void StaticAddress(PendingConfiguration& p, const char* address, const char* gateway) {
     p.ipConfig.SetIpv4Address(KN::Ipv4Address(address));
     p.ipConfig.SetIpv4Gateway(KN::Ipv4Address(gateway));
 }
@@ -50,18 +50,18 @@ struct WalkCase {
     const char* name;
     const char* profile;
     std::function<void(PendingConfiguration&)> edit;
-    Strings faults;    // library operations that fail during the walk
-    Strings info;      // the walk's info lines, in order
-    Strings shown;     // failure messages the operator saw
+    Strings faults; // library operations that fail during the walk
+    Strings info;   // the walk's info lines, in order
+    Strings shown;  // failure messages the operator saw
     std::function<void(const json&)> check;
     bool throws = false;
 };
 
 const Strings kAdapters = {"Setting adapters to hwport0 hwport1"};
-const Strings kDnsLines = {"Setting hostname to lanyx-lab01", "Setting nameservers to 192.168.10.2 192.168.10.3"};
+const Strings kDnsLines = {"Setting hostname to lanyx-lab01",
+                           "Setting nameservers to 192.168.10.2 192.168.10.3"};
 
-Strings Lines(std::initializer_list<Strings> parts)
-{
+Strings Lines(std::initializer_list<Strings> parts) {
     Strings all;
     for (const Strings& part : parts)
         all.insert(all.end(), part.begin(), part.end());
@@ -70,32 +70,50 @@ Strings Lines(std::initializer_list<Strings> parts)
 
 class ApplyWalk : public LanyxTest::HostTest {};
 
-TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures)
-{
+TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures) {
     const WalkCase cases[] = {
-        {"only the suffixes: everything rewritten, the gateway left", "default",
-         [](PendingConfiguration& p) { p.suffixes = "a.test, b.test c.test,,"; }, {},
-         Lines({kAdapters, {"Setting ipv6 configuration"}, kDnsLines, {"Setting suffixes to a.test, b.test c.test,,"}}),
+        {"only the suffixes: everything rewritten, the gateway left",
+         "default",
+         [](PendingConfiguration& p) { p.suffixes = "a.test, b.test c.test,,"; },
+         {},
+         Lines({kAdapters,
+                {"Setting ipv6 configuration"},
+                kDnsLines,
+                {"Setting suffixes to a.test, b.test c.test,,"}}),
          {},
          [](const json& s) {
-             EXPECT_EQ(s["network"]["dns"]["searchDomains"], json({"lab.example.test", "a.test", "b.test", "c.test"}));
+             EXPECT_EQ(s["network"]["dns"]["searchDomains"],
+                       json({"lab.example.test", "a.test", "b.test", "c.test"}));
              EXPECT_EQ(Calls(s), Strings{"DnsConfigImpl::SaveConfig"});
          }},
-        {"new address, same gateway: the gateway is written too", "default",
-         [](PendingConfiguration& p) { StaticAddress(p, "192.168.10.30", "192.168.10.1"); }, {},
+        {"new address, same gateway: the gateway is written too",
+         "default",
+         [](PendingConfiguration& p) { StaticAddress(p, "192.168.10.30", "192.168.10.1"); },
+         {},
          Lines({kAdapters,
-                {"Setting ipv4 configuration to 192.168.10.30 255.255.255.0 on tnic0", "Setting ipv6 configuration",
-                 "Setting default gateway to 192.168.10.1"},
-                kDnsLines, {"Setting suffixes to lab.example.test"}}),
-         {}, [](const json& s) { EXPECT_EQ(Tnic(s)["ipv4"]["address"], "192.168.10.30"); }},
-        {"same address, new gateway", "default",
-         [](PendingConfiguration& p) { StaticAddress(p, "192.168.10.21", "192.168.10.254"); }, {},
-         Lines({kAdapters, {"Setting ipv6 configuration", "Setting default gateway to 192.168.10.254"}, kDnsLines,
+                {"Setting ipv4 configuration to 192.168.10.30 255.255.255.0 on tnic0",
+                 "Setting ipv6 configuration", "Setting default gateway to 192.168.10.1"},
+                kDnsLines,
                 {"Setting suffixes to lab.example.test"}}),
-         {}, [](const json& s) { EXPECT_EQ(s["network"]["gateway"], "192.168.10.254"); }},
-        {"static to DHCP: no renewal, no gateway, the lease taken", "default",
-         [](PendingConfiguration& p) { p.configuredIpConfig.SetUseDhcp(true); }, {},
-         Lines({kAdapters, {"Switching to DHCP on tnic0", "Setting ipv6 configuration"}, kDnsLines,
+         {},
+         [](const json& s) { EXPECT_EQ(Tnic(s)["ipv4"]["address"], "192.168.10.30"); }},
+        {"same address, new gateway",
+         "default",
+         [](PendingConfiguration& p) { StaticAddress(p, "192.168.10.21", "192.168.10.254"); },
+         {},
+         Lines({kAdapters,
+                {"Setting ipv6 configuration", "Setting default gateway to 192.168.10.254"},
+                kDnsLines,
+                {"Setting suffixes to lab.example.test"}}),
+         {},
+         [](const json& s) { EXPECT_EQ(s["network"]["gateway"], "192.168.10.254"); }},
+        {"static to DHCP: no renewal, no gateway, the lease taken",
+         "default",
+         [](PendingConfiguration& p) { p.configuredIpConfig.SetUseDhcp(true); },
+         {},
+         Lines({kAdapters,
+                {"Switching to DHCP on tnic0", "Setting ipv6 configuration"},
+                kDnsLines,
                 {"Setting suffixes to lab.example.test"}}),
          {},
          [](const json& s) {
@@ -103,67 +121,95 @@ TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures)
              EXPECT_EQ(Tnic(s)["ipv4"]["address"], "192.168.10.57");
              EXPECT_EQ(Tnic(s)["ipv4"]["dhcpServer"], "192.168.10.254");
          }},
-        {"DHCP to static: the client stops and DHCP DNS goes", "dhcp",
+        {"DHCP to static: the client stops and DHCP DNS goes",
+         "dhcp",
          [](PendingConfiguration& p) {
              p.configuredIpConfig.SetUseDhcp(false);
              StaticAddress(p, "192.168.10.40", "192.168.10.1");
          },
          {},
          Lines({kAdapters,
-                {"Setting ipv4 configuration to 192.168.10.40 255.255.255.0 on tnic0", "Setting ipv6 configuration",
-                 "Setting default gateway to 192.168.10.1"},
-                kDnsLines, {"Setting suffixes to lab.example.test"}}),
+                {"Setting ipv4 configuration to 192.168.10.40 255.255.255.0 on tnic0",
+                 "Setting ipv6 configuration", "Setting default gateway to 192.168.10.1"},
+                kDnsLines,
+                {"Setting suffixes to lab.example.test"}}),
          {},
          [](const json& s) {
              EXPECT_EQ(Tnic(s)["ipv4"]["mode"], "static");
              EXPECT_EQ(Tnic(s)["ipv4"]["dhcpServer"], "0.0.0.0");
              EXPECT_EQ(s["network"]["dns"]["dhcp"], false);
          }},
-        {"DHCP host, adapter swapped: removal first, renewal, new MAC", "dhcp",
-         [](PendingConfiguration& p) { p.adapters = {"hwport2", "hwport0"}; }, {},
-         {"Setting adapters to hwport2 hwport0", "Setting ipv6 configuration", "Renew DHCP lease on tnic0",
-          "Setting suffixes to lab.example.test"},
+        {"DHCP host, adapter swapped: removal first, renewal, new MAC",
+         "dhcp",
+         [](PendingConfiguration& p) {
+             p.adapters = {"hwport2", "hwport0"};
+         },
+         {},
+         {"Setting adapters to hwport2 hwport0", "Setting ipv6 configuration",
+          "Renew DHCP lease on tnic0", "Setting suffixes to lab.example.test"},
          {},
          [](const json& s) {
              EXPECT_EQ(s["switches"][0]["uplinks"], json({"hwport0", "hwport2"}));
              EXPECT_EQ(Tnic(s)["mac"], "b0:26:28:4e:00:a2");
              EXPECT_EQ(Tnic(s)["ipv4"]["renewals"], 1);
          }},
-        {"same adapters in another order: only the MAC moves", "default",
-         [](PendingConfiguration& p) { p.adapters = {"hwport1", "hwport0"}; }, {"TesselNicImpl::RenewDhcp"},
-         Lines({{"Setting adapters to hwport1 hwport0", "Setting ipv6 configuration"}, kDnsLines,
+        {"same adapters in another order: only the MAC moves",
+         "default",
+         [](PendingConfiguration& p) {
+             p.adapters = {"hwport1", "hwport0"};
+         },
+         {"TesselNicImpl::RenewDhcp"},
+         Lines({{"Setting adapters to hwport1 hwport0", "Setting ipv6 configuration"},
+                kDnsLines,
                 {"Setting suffixes to lab.example.test"}}),
-         {}, [](const json& s) { EXPECT_EQ(Tnic(s)["mac"], "3c:fd:fe:a1:00:11"); }},
-        {"VLAN changed: the interface restarts after the addresses", "default",
-         [](PendingConfiguration& p) { p.vlanId = 4095; }, {},
-         Lines({kAdapters, {"Setting ipv6 configuration", "Changed vlan, restarting management interface"}, kDnsLines,
+         {},
+         [](const json& s) { EXPECT_EQ(Tnic(s)["mac"], "3c:fd:fe:a1:00:11"); }},
+        {"VLAN changed: the interface restarts after the addresses",
+         "default",
+         [](PendingConfiguration& p) { p.vlanId = 4095; },
+         {},
+         Lines({kAdapters,
+                {"Setting ipv6 configuration", "Changed vlan, restarting management interface"},
+                kDnsLines,
                 {"Setting suffixes to lab.example.test"}}),
          {},
          [](const json& s) {
              EXPECT_EQ(s["portGroups"][0]["vlan"], 4095);
-             EXPECT_EQ(Calls(s), (Strings{"TesselNicImpl::Disable", "TesselNicImpl::Enable", "DnsConfigImpl::SaveConfig"}));
+             EXPECT_EQ(Calls(s), (Strings{"TesselNicImpl::Disable", "TesselNicImpl::Enable",
+                                          "DnsConfigImpl::SaveConfig"}));
          }},
-        {"VLAN restart fails: enabled again, the walk ends", "default", [](PendingConfiguration& p) { p.vlanId = 7; },
+        {"VLAN restart fails: enabled again, the walk ends",
+         "default",
+         [](PendingConfiguration& p) { p.vlanId = 7; },
          {"TesselNicImpl::Disable"},
-         Lines({kAdapters, {"Setting ipv6 configuration", "Changed vlan, restarting management interface"}}), {},
+         Lines({kAdapters,
+                {"Setting ipv6 configuration", "Changed vlan, restarting management interface"}}),
+         {},
          [](const json& s) {
              EXPECT_EQ(Calls(s), Strings{"TesselNicImpl::Enable"});
              EXPECT_EQ(Tnic(s)["enabled"], true);
          },
          true},
-        {"fabric: adapters and VLAN left alone", "fabric",
+        {"fabric: adapters and VLAN left alone",
+         "fabric",
          [](PendingConfiguration& p) {
              p.adapters = {"hwport0"};
              p.vlanId = 30;
          },
          {},
-         Lines({{"Setting ipv6 configuration"}, kDnsLines, {"Setting suffixes to lab.example.test"}}), {},
+         Lines(
+             {{"Setting ipv6 configuration"}, kDnsLines, {"Setting suffixes to lab.example.test"}}),
+         {},
          [](const json& s) { EXPECT_EQ(s["fabrics"][0]["ports"][0]["vlan"], 10); }},
-        {"IPv6 turned off: no IPv6 stage, the reboot comes after DNS", "default",
-         [](PendingConfiguration& p) { p.ipv6Enabled = false; }, {},
-         Lines({kAdapters, kDnsLines, {"Setting suffixes to lab.example.test"}}), {},
+        {"IPv6 turned off: no IPv6 stage, the reboot comes after DNS",
+         "default",
+         [](PendingConfiguration& p) { p.ipv6Enabled = false; },
+         {},
+         Lines({kAdapters, kDnsLines, {"Setting suffixes to lab.example.test"}}),
+         {},
          [](const json& s) { EXPECT_EQ(s["network"]["ipv6Enabled"], false); }},
-        {"dotted host name, unspecified primary dropped", "default",
+        {"dotted host name, unspecified primary dropped",
+         "default",
          [](PendingConfiguration& p) {
              p.hostname = "esx7.corp.test";
              p.primaryDns = std::make_unique<KN::Ipv4Address>("0.0.0.0");
@@ -182,49 +228,77 @@ TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures)
              EXPECT_EQ(s["network"]["dns"]["searchDomains"], json({"corp.test"}));
          }},
         // Each guarded stage failing in turn: named in the message, the walk goes on.
-        {"MAC address fails", "default", [](PendingConfiguration& p) { p.adapters = {"hwport1", "hwport0"}; },
+        {"MAC address fails",
+         "default",
+         [](PendingConfiguration& p) {
+             p.adapters = {"hwport1", "hwport0"};
+         },
          {"TesselNicImpl::SetMacAddressFromPnic"},
-         Lines({{"Setting adapters to hwport1 hwport0", "Setting ipv6 configuration"}, kDnsLines,
+         Lines({{"Setting adapters to hwport1 hwport0", "Setting ipv6 configuration"},
+                kDnsLines,
                 {"Setting suffixes to lab.example.test"}}),
          {"Setting mac address of hwport failed: Resource busy"},
          [](const json& s) { EXPECT_EQ(Tnic(s)["mac"], "00:50:56:6a:10:01"); }},
-        {"IPv4 decision fails: no address change, so no gateway", "default",
+        {"IPv4 decision fails: no address change, so no gateway",
+         "default",
          [](PendingConfiguration& p) { StaticAddress(p, "192.168.10.30", "192.168.10.1"); },
          {"TesselNicImpl::GetIpConfig"},
-         Lines({kAdapters, {"Setting ipv6 configuration"}, kDnsLines, {"Setting suffixes to lab.example.test"}}),
-         {"Setting ip configuration failed: Resource busy"}, nullptr},
-        {"IPv6 stage fails", "default", nullptr, {"NetworkInfoImpl::SetTesselIpv6Enabled"},
+         Lines({kAdapters,
+                {"Setting ipv6 configuration"},
+                kDnsLines,
+                {"Setting suffixes to lab.example.test"}}),
+         {"Setting ip configuration failed: Resource busy"},
+         nullptr},
+        {"IPv6 stage fails",
+         "default",
+         nullptr,
+         {"NetworkInfoImpl::SetTesselIpv6Enabled"},
          Lines({kAdapters, kDnsLines, {"Setting suffixes to lab.example.test"}}),
-         {"Setting ipv6 configuration failed: Resource busy"}, nullptr},
-        {"writing the configuration fails, the gateway still goes", "default",
+         {"Setting ipv6 configuration failed: Resource busy"},
+         nullptr},
+        {"writing the configuration fails, the gateway still goes",
+         "default",
          [](PendingConfiguration& p) { StaticAddress(p, "192.168.10.30", "192.168.10.9"); },
          {"TesselNicImpl::SetIpConfig"},
          Lines({kAdapters,
-                {"Setting ipv4 configuration to 192.168.10.30 255.255.255.0 on tnic0", "Setting ipv6 configuration",
-                 "Setting default gateway to 192.168.10.9"},
-                kDnsLines, {"Setting suffixes to lab.example.test"}}),
+                {"Setting ipv4 configuration to 192.168.10.30 255.255.255.0 on tnic0",
+                 "Setting ipv6 configuration", "Setting default gateway to 192.168.10.9"},
+                kDnsLines,
+                {"Setting suffixes to lab.example.test"}}),
          {"Setting ip/ipv6 configuration failed: Resource busy"},
          [](const json& s) {
              EXPECT_EQ(Tnic(s)["ipv4"]["address"], "192.168.10.21");
              EXPECT_EQ(s["network"]["gateway"], "192.168.10.9");
          }},
-        {"IPv4 gateway fails with the full text", "default",
+        {"IPv4 gateway fails with the full text",
+         "default",
          [](PendingConfiguration& p) { StaticAddress(p, "192.168.10.21", "192.168.10.9"); },
          {"RoutingInfoImpl::SetTesselDefaultGateway"},
-         Lines({kAdapters, {"Setting ipv6 configuration", "Setting default gateway to 192.168.10.9"}, kDnsLines,
+         Lines({kAdapters,
+                {"Setting ipv6 configuration", "Setting default gateway to 192.168.10.9"},
+                kDnsLines,
                 {"Setting suffixes to lab.example.test"}}),
-         {std::string("Setting default gateway failed: ") + kFault}, nullptr},
-        {"IPv6 gateway fails", "default",
+         {std::string("Setting default gateway failed: ") + kFault},
+         nullptr},
+        {"IPv6 gateway fails",
+         "default",
          [](PendingConfiguration& p) {
              p.ipConfig.SetIpv6Gateway(KN::Ipv6Address("2001:db8::1"));
              p.ipv6GatewayChanged = true;
          },
          {"RoutingInfoImpl::SetIpv6TesselDefaultGateway"},
-         Lines({kAdapters, {"Setting ipv6 configuration", "Setting default ipv6 gateway to 2001:db8::1"}, kDnsLines,
+         Lines({kAdapters,
+                {"Setting ipv6 configuration", "Setting default ipv6 gateway to 2001:db8::1"},
+                kDnsLines,
                 {"Setting suffixes to lab.example.test"}}),
-         {"Setting default ipv6 gateway failed: Resource busy"}, nullptr},
-        {"DNS fails: nothing saved", "default", nullptr, {"DnsConfigImpl::RemoveNameServers"},
-         Lines({kAdapters, {"Setting ipv6 configuration"}, kDnsLines}), {"Setting DNS failed: Resource busy"},
+         {"Setting default ipv6 gateway failed: Resource busy"},
+         nullptr},
+        {"DNS fails: nothing saved",
+         "default",
+         nullptr,
+         {"DnsConfigImpl::RemoveNameServers"},
+         Lines({kAdapters, {"Setting ipv6 configuration"}, kDnsLines}),
+         {"Setting DNS failed: Resource busy"},
          [](const json& s) { EXPECT_EQ(Calls(s), Strings{}); }},
     };
 
@@ -233,7 +307,8 @@ TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures)
     std::vector<const WalkCase*> order;
     for (const WalkCase& c : cases)
         order.push_back(&c);
-    std::ranges::stable_sort(order, {}, [](const WalkCase* c) { return std::string_view(c->profile); });
+    std::ranges::stable_sort(order, {},
+                             [](const WalkCase* c) { return std::string_view(c->profile); });
     std::string_view profile;
     json initial;
     for (const WalkCase* walk : order) {
@@ -250,7 +325,8 @@ TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures)
         TesselCtl::Network::DnsConfigImpl dns("defaultTcpipStack");
         TesselCtl::Network::RoutingInfoImpl routing("defaultTcpipStack");
         PendingConfiguration pending;
-        pending.ipv6Enabled = pending.ipv6EnabledAtOpen = TesselCtl::Network::NetworkInfoImpl().IsTesselIpv6Enabled();
+        pending.ipv6Enabled = pending.ipv6EnabledAtOpen =
+            TesselCtl::Network::NetworkInfoImpl().IsTesselIpv6Enabled();
         ReadAddresses(*nic, pending);
         ASSERT_EQ(ReadPendingConfiguration(*nic, routing, dns, pending), ReadResult::Read);
         if (c.edit)
@@ -275,11 +351,10 @@ TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures)
     }
 }
 
-TEST(ExceptionSummaryTest, TakesTheMiddleOfTheLibraryText)
-{
+TEST(ExceptionSummaryTest, TakesTheMiddleOfTheLibraryText) {
     const std::pair<const char*, const char*> rows[] = {
         {"a=b;c", "b"}, {"no marks", "no marks"}, {"x=y", "y"}, {"head; tail", "head"},
-        {"p;q=r", "r"}, {"a=b;c;d", "b;c"}, {"=;", ""},
+        {"p;q=r", "r"}, {"a=b;c;d", "b;c"},       {"=;", ""},
     };
     for (const auto& [text, summary] : rows)
         EXPECT_EQ(ExceptionSummary(Keelson::Lib::KeelsonException(text)), summary) << text;

@@ -30,8 +30,7 @@ struct Refusal {
 
 using IPv6Form = NetworkForm;
 
-TEST_F(IPv6Form, StaticAddressesAndGatewayValidated)
-{
+TEST_F(IPv6Form, StaticAddressesAndGatewayValidated) {
     struct Row {
         std::vector<std::string> fields; // three addresses and the gateway
         std::optional<Refusal> refusal;
@@ -48,13 +47,17 @@ TEST_F(IPv6Form, StaticAddressesAndGatewayValidated)
         {{"1:2:3:4:5:6:7:8:9/64", "", "", ""}, noPrefix},
         {{"zz/64", "", "", ""}, noPrefix},
         {{"192.168.1.1/24", "", "", ""}, noPrefix},
-        {{"", "2001:db8::5/", "", ""}, Refusal{5, Ids::InvalidAddressTitle, Ids::InvalidIpv6Address}},
-        {{"2001:db8::5/64", "", "fe80::1/64", ""}, Refusal{6, Ids::InvalidScopeTitle, Ids::LinkLocalStatic}},
-        {{"2001:db8::5/64", "", "", "2001:db8::1/64"}, Refusal{7, Ids::InvalidGatewayTitle, Ids::InvalidIpv6Gateway}},
+        {{"", "2001:db8::5/", "", ""},
+         Refusal{5, Ids::InvalidAddressTitle, Ids::InvalidIpv6Address}},
+        {{"2001:db8::5/64", "", "fe80::1/64", ""},
+         Refusal{6, Ids::InvalidScopeTitle, Ids::LinkLocalStatic}},
+        {{"2001:db8::5/64", "", "", "2001:db8::1/64"},
+         Refusal{7, Ids::InvalidGatewayTitle, Ids::InvalidIpv6Gateway}},
         {{"", "", "", "gw"}, Refusal{7, Ids::InvalidGatewayTitle, Ids::InvalidIpv6Gateway}},
     };
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.fields[0] + " | " + row.fields[1] + " | " + row.fields[2] + " | " + row.fields[3]);
+        SCOPED_TRACE(row.fields[0] + " | " + row.fields[1] + " | " + row.fields[2] + " | " +
+                     row.fields[3]);
         Recorded().asked.clear();
         IPv6ConfigurationDialog form(nullptr, true, IpConfig(), IpConfig());
         for (size_t n = 0; n < 3; ++n)
@@ -65,7 +68,8 @@ TEST_F(IPv6Form, StaticAddressesAndGatewayValidated)
         EXPECT_TRUE(InputDrained());
         if (row.refusal) {
             EXPECT_EQ(form.GetItemList()->GetSelectedOrdinal(), row.refusal->ordinal);
-            EXPECT_TRUE(Recorded().Asked(row.refusal->title) && Recorded().Asked(row.refusal->message));
+            EXPECT_TRUE(Recorded().Asked(row.refusal->title) &&
+                        Recorded().Asked(row.refusal->message));
             continue;
         }
         size_t filled = 0;
@@ -75,12 +79,12 @@ TEST_F(IPv6Form, StaticAddressesAndGatewayValidated)
         for (const auto& network : form.GetConfig().GetIpv6Network())
             EXPECT_TRUE(network.GetIpv6AddressType() == 0 && network.GetIpv6Scope() == 3);
         EXPECT_EQ(form.GetConfig().GetIpv6Gateway().GetScopedStringAddress(),
-                  row.fields[3].empty() ? "::" : Ipv6Address(row.fields[3]).GetScopedStringAddress());
+                  row.fields[3].empty() ? "::"
+                                        : Ipv6Address(row.fields[3]).GetScopedStringAddress());
     }
 }
 
-TEST_F(IPv6Form, RadiosTickAndFieldsFollowTheMode)
-{
+TEST_F(IPv6Form, RadiosTickAndFieldsFollowTheMode) {
     struct Row {
         const char* name;
         bool enabled, dhcp, ra; // at opening
@@ -91,13 +95,17 @@ TEST_F(IPv6Form, RadiosTickAndFieldsFollowTheMode)
     const std::string down = kDown;
     const std::vector<Row> rows = {
         // Off at opening: Down cannot leave the radios, the tick and fields stay out of reach.
-        {"off stays off", false, false, false, down + down + down + down + "1", true, false, false, false, false},
+        {"off stays off", false, false, false, down + down + down + down + "1", true, false, false,
+         false, false},
         {"off to dynamic", false, false, false, down + " ", true, true, false, true, false},
-        {"dynamic tick toggles", true, false, true, down + down + " ", true, true, true, false, false},
+        {"dynamic tick toggles", true, false, true, down + down + " ", true, true, true, false,
+         false},
         {"tick twice back", true, false, true, down + down + "  ", true, true, false, true, false},
-        {"dynamic to static", true, true, false, down + down + down + " ", true, true, false, false, false},
+        {"dynamic to static", true, true, false, down + down + down + " ", true, true, false, false,
+         false},
         {"static to off keeps flags", true, true, false, " ", true, false, true, false, false},
-        {"typed address counts", true, false, false, down + down + down + down + "\b", true, true, false, false, true},
+        {"typed address counts", true, false, false, down + down + down + down + "\b", true, true,
+         false, false, true},
         {"escape", true, false, false, down + " ", false, false, false, false, false},
     };
     for (const Row& row : rows) {
@@ -121,10 +129,10 @@ TEST_F(IPv6Form, RadiosTickAndFieldsFollowTheMode)
     }
 }
 
-TEST_F(IPv6Form, HostStaticAddressesFillTheFieldsAndDhcpv6KeepsTheGateway)
-{
+TEST_F(IPv6Form, HostStaticAddressesFillTheFieldsAndDhcpv6KeepsTheGateway) {
     IpConfig addresses;
-    const char* const texts[] = {"fe80::1/64", "2001:db8::1/64", "2001:db8::2/64", "2001:db8::3/64", "2001:db8::4/64"};
+    const char* const texts[] = {"fe80::1/64", "2001:db8::1/64", "2001:db8::2/64", "2001:db8::3/64",
+                                 "2001:db8::4/64"};
     for (const char* text : texts)
         addresses.AddIpv6Network(Keelson::Network::Ipv6Network(text));
     auto learned = Keelson::Network::Ipv6Network("2001:db8::99/64");
@@ -145,8 +153,7 @@ TEST_F(IPv6Form, HostStaticAddressesFillTheFieldsAndDhcpv6KeepsTheGateway)
 
 using DnsForm = NetworkForm;
 
-TEST_F(DnsForm, ServerAddressesValidatedAndTyped)
-{
+TEST_F(DnsForm, ServerAddressesValidatedAndTyped) {
     struct Row {
         std::string primary, alternate;
         std::optional<uint32_t> refusedOrdinal;
@@ -173,17 +180,19 @@ TEST_F(DnsForm, ServerAddressesValidatedAndTyped)
         EXPECT_TRUE(InputDrained());
         if (row.refusedOrdinal) {
             EXPECT_EQ(form.GetItemList()->GetSelectedOrdinal(), *row.refusedOrdinal);
-            EXPECT_TRUE(Recorded().Asked(Ids::InvalidDnsTitle) && Recorded().Asked(Ids::InvalidDnsServer));
+            EXPECT_TRUE(Recorded().Asked(Ids::InvalidDnsTitle) &&
+                        Recorded().Asked(Ids::InvalidDnsServer));
             continue;
         }
-        auto family = [](const Keelson::Network::IpAddress* a) { return a ? a->GetAddressFamily() : -1; };
+        auto family = [](const Keelson::Network::IpAddress* a) {
+            return a ? a->GetAddressFamily() : -1;
+        };
         EXPECT_EQ(family(form.GetPrimary()), row.primaryFamily);
         EXPECT_EQ(family(form.GetAlternate()), row.alternateFamily);
     }
 }
 
-TEST_F(DnsForm, LabelsRadiosAndTheHostnameField)
-{
+TEST_F(DnsForm, LabelsRadiosAndTheHostnameField) {
     const Ipv4Address v4("10.0.0.53");
     const Ipv6Address v6("2001:db8::53");
     {
@@ -219,8 +228,7 @@ TEST_F(DnsForm, LabelsRadiosAndTheHostnameField)
     }
 }
 
-TEST_F(NetworkForm, SuffixesTakeTheirCharactersAsTyped)
-{
+TEST_F(NetworkForm, SuffixesTakeTheirCharactersAsTyped) {
     SuffixesDialog form(nullptr, "old.example");
     Type("a_b.example, c.test d;e,\n");
     EXPECT_TRUE(form.RunModal());
@@ -232,8 +240,7 @@ TEST_F(NetworkForm, SuffixesTakeTheirCharactersAsTyped)
 
 using AdapterChoice = NetworkForm;
 
-TEST_F(AdapterChoice, OrderOfChoiceAndTheWarningForOtherSwitches)
-{
+TEST_F(AdapterChoice, OrderOfChoiceAndTheWarningForOtherSwitches) {
     struct Row {
         const char* name;
         std::string keys;
@@ -247,15 +254,23 @@ TEST_F(AdapterChoice, OrderOfChoiceAndTheWarningForOtherSwitches)
         {"chosen again goes last", "  \n", true, {"hwport1", "hwport0"}, false},
         {"free NIC", down + down + " \n", true, {"hwport0", "hwport1", "hwport2"}, false},
         {"nothing chosen", " " + down + " \n", true, {}, false},
-        {"held elsewhere, kept", down + down + down + " \n\n", true, {"hwport0", "hwport1", "hwport3"}, true},
+        {"held elsewhere, kept",
+         down + down + down + " \n\n",
+         true,
+         {"hwport0", "hwport1", "hwport3"},
+         true},
         {"held elsewhere, refused", down + down + down + " \n\x1b", false, {}, true},
         {"details leave the choice", "d\n\n", true, {"hwport0", "hwport1"}, false},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         networkHost->Reset([](nlohmann::json& state) {
-            state["switches"].push_back({{"name", "switch1"}, {"uplinks", {"hwport3"}}, {"portGroups", nlohmann::json::array()},
-                                         {"numPorts", 128}, {"usedPorts", 0}, {"configuredPorts", 128}});
+            state["switches"].push_back({{"name", "switch1"},
+                                         {"uplinks", {"hwport3"}},
+                                         {"portGroups", nlohmann::json::array()},
+                                         {"numPorts", 128},
+                                         {"usedPorts", 0},
+                                         {"configuredPorts", 128}});
         });
         Recorded().asked.clear();
         AdaptersDialog form(nullptr, {"hwport0", "hwport1"}, 2, "switch0");
@@ -273,16 +288,19 @@ TEST_F(AdapterChoice, OrderOfChoiceAndTheWarningForOtherSwitches)
     }
 }
 
-TEST_F(AdapterChoice, GatheringFailureClosesAtOnceAndManyNicsScroll)
-{
-    networkHost->Reset([](nlohmann::json& state) { state["faults"]["lib"]["NetworkInfoImpl::GetPnics"] = "no NICs"; });
+TEST_F(AdapterChoice, GatheringFailureClosesAtOnceAndManyNicsScroll) {
+    networkHost->Reset([](nlohmann::json& state) {
+        state["faults"]["lib"]["NetworkInfoImpl::GetPnics"] = "no NICs";
+    });
     AdaptersDialog failed(nullptr, {"hwport0"}, 1, "switch0");
     EXPECT_FALSE(failed.RunModal());
 
     networkHost->Reset([](nlohmann::json& state) {
         for (int n = 4; n < 14; ++n)
-            state["pnics"].push_back({{"name", "hwport" + std::to_string(n)}, {"pciLabel", nullptr},
-                                      {"mac", "b0:26:28:4e:01:" + std::to_string(10 + n)}, {"link", false}});
+            state["pnics"].push_back({{"name", "hwport" + std::to_string(n)},
+                                      {"pciLabel", nullptr},
+                                      {"mac", "b0:26:28:4e:01:" + std::to_string(10 + n)},
+                                      {"link", false}});
     });
     AdaptersDialog form(nullptr, {}, 1, "switch0");
     std::string keys;

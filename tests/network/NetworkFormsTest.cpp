@@ -18,8 +18,7 @@ namespace KN = Keelson::Network;
 // After a refusal: Enter closes the message, Escape leaves the form.
 constexpr const char* kRefusedThenLeave = "\n\n\x1b";
 
-TEST(VlanDialogTest, BoundariesOfTheId)
-{
+TEST(VlanDialogTest, BoundariesOfTheId) {
     struct Row {
         const char* typed;
         const char* keys; // after the typing
@@ -27,14 +26,14 @@ TEST(VlanDialogTest, BoundariesOfTheId)
         uint16_t value;
     };
     const Row rows[] = {
-        {"", "\n", true, 0},            // empty unsets
+        {"", "\n", true, 0}, // empty unsets
         {"0", kRefusedThenLeave, false, 0},
         {"1", "\n", true, 1},
         {"4094", "\n", true, 4094},
-        {"4095", "\n\n", true, 4095},   // after the warning, closed with Enter
+        {"4095", "\n\n", true, 4095}, // after the warning, closed with Enter
         {"4096", kRefusedThenLeave, false, 0},
         {"99999", kRefusedThenLeave, false, 0},
-        {"2x0 -", "\n", true, 20},     // only digits reach the field
+        {"2x0 -", "\n", true, 20}, // only digits reach the field
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.typed);
@@ -52,15 +51,13 @@ TEST(VlanDialogTest, BoundariesOfTheId)
 class IpForm : public IPConfigurationDialog {
 public:
     IpForm(bool useDhcp, uint32_t typedInto, const std::array<std::string, 3>& preset)
-        : IPConfigurationDialog(nullptr, false, useDhcp, KN::IpConfig()), typedInto(typedInto), preset(preset)
-    {
-    }
+        : IPConfigurationDialog(nullptr, false, useDhcp, KN::IpConfig()), typedInto(typedInto),
+          preset(preset) {}
     std::string Field(uint32_t ordinal) const { return FieldAt(ordinal)->GetValue(); }
     uint32_t Selected() const { return list->GetSelectedOrdinal(); }
 
 protected:
-    void Open() override
-    {
+    void Open() override {
         IPConfigurationDialog::Open();
         for (uint32_t ordinal = 3; ordinal < 6; ++ordinal)
             FieldAt(ordinal)->SetValue(preset[ordinal - 3]);
@@ -69,8 +66,7 @@ protected:
     }
 
 private:
-    InputItem* FieldAt(uint32_t ordinal) const
-    {
+    InputItem* FieldAt(uint32_t ordinal) const {
         // Three radios and a blank line stand before the fields.
         return dynamic_cast<InputItem*>(list->GetItems().at(ordinal + 1));
     }
@@ -78,8 +74,7 @@ private:
     std::array<std::string, 3> preset;
 };
 
-TEST(IPConfigurationDialogTest, AddressesCheckedFieldByField)
-{
+TEST(IPConfigurationDialogTest, AddressesCheckedFieldByField) {
     const std::array<std::string, 3> valid = {"192.168.1.10", "255.255.255.0", "192.168.1.1"};
     struct Row {
         const char* name;

@@ -16,15 +16,13 @@ namespace {
 using namespace Testing;
 using Keelson::Network::Ipv6Network;
 
-Ipv6Network Net(const std::string& text, int type = 0)
-{
+Ipv6Network Net(const std::string& text, int type = 0) {
     Ipv6Network network(text);
     network.SetIpv6AddressType(type);
     return network;
 }
 
-TEST(RestartAddressLines, StaticFirstThenCountedIpv6)
-{
+TEST(RestartAddressLines, StaticFirstThenCountedIpv6) {
     const std::string is = "IP address is ";
     const std::string v4 = "   " + is + " 10.0.0.5\n";
     auto line = [&](const std::string& a) { return "   " + is + " " + a + "\n"; };
@@ -38,21 +36,30 @@ TEST(RestartAddressLines, StaticFirstThenCountedIpv6)
         {"static, no IPv6", false, {}, "\n" + v4},
         {"dhcp, no IPv6", true, {}, ""},
         {"dhcp with IPv6", true, {Net("2001:db8::1/64")}, "\n" + line("2001:db8::1/64")},
-        {"three, one link-local", false, {Net("fe80::1/64"), Net("2001:db8::1/64"), Net("2001:db8::2/64")},
+        {"three, one link-local",
+         false,
+         {Net("fe80::1/64"), Net("2001:db8::1/64"), Net("2001:db8::2/64")},
          "\n" + v4 + line("2001:db8::1/64") + line("2001:db8::2/64")},
-        {"three eligible shown whole", false, {Net("2001:db8::1/64"), Net("2001:db8::2/64"), Net("2001:db8::3/64")},
+        {"three eligible shown whole",
+         false,
+         {Net("2001:db8::1/64"), Net("2001:db8::2/64"), Net("2001:db8::3/64")},
          "\n" + v4 + line("2001:db8::1/64") + line("2001:db8::2/64") + line("2001:db8::3/64")},
-        {"four eligible", false,
-         {Net("2001:db8::1/64"), Net("2001:db8::2/64"), Net("2001:db8::3/64"), Net("2001:db8::4/64")},
+        {"four eligible",
+         false,
+         {Net("2001:db8::1/64"), Net("2001:db8::2/64"), Net("2001:db8::3/64"),
+          Net("2001:db8::4/64")},
          "\n" + v4 + line("2001:db8::1/64") + line("2001:db8::2/64") + "   ...\n"},
-        {"learned ones do not count", true, {Net("2001:db8::7/64", 7), Net("2001:db8::9/64", 9)}, "\n"},
+        {"learned ones do not count",
+         true,
+         {Net("2001:db8::7/64", 7), Net("2001:db8::9/64", 9)},
+         "\n"},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(RestartedAddressLines(is, row.dhcp, "10.0.0.5", row.networks), row.lines) << row.name;
+        EXPECT_EQ(RestartedAddressLines(is, row.dhcp, "10.0.0.5", row.networks), row.lines)
+            << row.name;
 }
 
-TEST(TestTargets, GatewaysAndServersInTheirOrder)
-{
+TEST(TestTargets, GatewaysAndServersInTheirOrder) {
     struct Row {
         const char* name;
         std::string gateway, ipv6Gateway;
@@ -60,41 +67,67 @@ TEST(TestTargets, GatewaysAndServersInTheirOrder)
         std::vector<std::string> servers, ipv6Servers, targets;
     };
     const std::vector<Row> rows = {
-        {"v4 gateway and two servers", "10.0.0.1", "", true, {"10.0.0.2", "10.0.0.3"}, {}, {"10.0.0.1", "10.0.0.2", "10.0.0.3"}},
-        {"v6 gateway second", "10.0.0.1", "2001:db8::1", true, {"10.0.0.2", "10.0.0.3"}, {}, {"10.0.0.1", "2001:db8::1", "10.0.0.2"}},
-        {"v6 off leaves its gateway", "10.0.0.1", "2001:db8::1", false, {}, {"2001:db8::53"}, {"10.0.0.1", "2001:db8::53"}},
+        {"v4 gateway and two servers",
+         "10.0.0.1",
+         "",
+         true,
+         {"10.0.0.2", "10.0.0.3"},
+         {},
+         {"10.0.0.1", "10.0.0.2", "10.0.0.3"}},
+        {"v6 gateway second",
+         "10.0.0.1",
+         "2001:db8::1",
+         true,
+         {"10.0.0.2", "10.0.0.3"},
+         {},
+         {"10.0.0.1", "2001:db8::1", "10.0.0.2"}},
+        {"v6 off leaves its gateway",
+         "10.0.0.1",
+         "2001:db8::1",
+         false,
+         {},
+         {"2001:db8::53"},
+         {"10.0.0.1", "2001:db8::53"}},
         {"zero gateways are none", "0.0.0.0", "::", true, {}, {}, {}},
-        {"servers interleave", "", "", true, {"10.0.0.2", "10.0.0.3"}, {"2001:db8::53"}, {"10.0.0.2", "2001:db8::53", "10.0.0.3"}},
+        {"servers interleave",
+         "",
+         "",
+         true,
+         {"10.0.0.2", "10.0.0.3"},
+         {"2001:db8::53"},
+         {"10.0.0.2", "2001:db8::53", "10.0.0.3"}},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(DefaultPingTargets(row.gateway, row.ipv6Gateway, row.ipv6, row.servers, row.ipv6Servers), row.targets)
+        EXPECT_EQ(DefaultPingTargets(row.gateway, row.ipv6Gateway, row.ipv6, row.servers,
+                                     row.ipv6Servers),
+                  row.targets)
             << row.name;
 }
 
 class Workers : public NetworkForm {
 protected:
-    static int32_t Await(const TestStatus& status)
-    {
-        EXPECT_TRUE(LanyxTest::PollUntil([&] { return status->load() != kTestRunning; }, std::chrono::seconds(20)));
+    static int32_t Await(const TestStatus& status) {
+        EXPECT_TRUE(LanyxTest::PollUntil([&] { return status->load() != kTestRunning; },
+                                         std::chrono::seconds(20)));
         return status->load();
     }
-    int32_t Resolve(const std::string& name)
-    {
+    int32_t Resolve(const std::string& name) {
         auto status = std::make_shared<std::atomic<int32_t>>(kTestRunning);
         ResolveWorker(name, status);
         return status->load();
     }
 };
 
-TEST_F(Workers, PingAnswersFromTheReachableList)
-{
+TEST_F(Workers, PingAnswersFromTheReachableList) {
     Host().Edit([](nlohmann::json& state) { state["ping"]["intervalMs"] = 10; });
     struct Row {
         std::string interface, address;
         int32_t outcome;
     };
-    const std::vector<Row> rows = {{"tnic0", "192.168.10.1", 0}, {"tnic0", "192.168.10.99", 1},
-                                   {"", "192.168.10.2", 0}, {"tnic9", "192.168.10.1", 1}};
+    const std::vector<Row> rows = {{"tnic0", "192.168.10.1", 0},
+                                   {"tnic0", "192.168.10.99", 1},
+                                   {"", "192.168.10.2", 0},
+                                   {"tnic9", "192.168.10.1", 1}};
     for (const Row& row : rows) {
         auto status = std::make_shared<std::atomic<int32_t>>(kTestRunning);
         PingWorker(row.interface, row.address, status);
@@ -102,8 +135,7 @@ TEST_F(Workers, PingAnswersFromTheReachableList)
     }
 }
 
-TEST_F(Workers, ResolveTakesTheHostsEntryOutAndPutsTheFileBack)
-{
+TEST_F(Workers, ResolveTakesTheHostsEntryOutAndPutsTheFileBack) {
     const std::string hosts = Host().Read("/etc/hosts");
     // Known to the name servers: resolves although the hosts file's entry is out meanwhile.
     EXPECT_EQ(Resolve("lanyx-lab01.lab.example.test"), 0);
@@ -118,14 +150,14 @@ TEST_F(Workers, ResolveTakesTheHostsEntryOutAndPutsTheFileBack)
     EXPECT_EQ(Resolve("lanyx-lab01.lab.example.test"), 1);
 }
 
-TEST_F(Workers, LeftOverBackupOrBrokenHostsFileFailTheStep)
-{
+TEST_F(Workers, LeftOverBackupOrBrokenHostsFileFailTheStep) {
     const std::string hosts = Host().Read("/etc/hosts");
     Host().Write("/etc/hosts.backup", "stale\n");
     EXPECT_EQ(Resolve("lanyx-lab01.lab.example.test"), 1);
     EXPECT_EQ(Host().Read("/etc/hosts"), hosts);
     EXPECT_EQ(Host().Read("/etc/hosts.backup"), "stale\n");
-    EXPECT_FALSE(Host().Matching(LanyxTest::Record::Syslog, "failed to backup /etc/hosts: ").empty());
+    EXPECT_FALSE(
+        Host().Matching(LanyxTest::Record::Syslog, "failed to backup /etc/hosts: ").empty());
     Host().Remove("/etc/hosts.backup");
 
     // The hosts library fails on this thread: the step fails and the file still comes back.

@@ -15,8 +15,7 @@ namespace Lanyx::Testing {
 
 class RecordingFactory : public StringFactory {
 public:
-    const char* GetString(uint32_t id) override
-    {
+    const char* GetString(uint32_t id) override {
         asked.push_back(id);
         texts.push_back("#" + std::to_string(id));
         return texts.back().c_str();
@@ -28,8 +27,7 @@ private:
     std::deque<std::string> texts; // stable addresses
 };
 
-inline RecordingFactory& Recorded()
-{
+inline RecordingFactory& Recorded() {
     static RecordingFactory factory;
     return factory;
 }
@@ -42,8 +40,7 @@ inline constexpr const char* kUp = "\x1bOA";
 
 class NetworkForm : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         SetStringFactorySource([](const std::string&) -> StringFactory* { return &Recorded(); });
         keypad(stdscr, true);
         set_escdelay(20);

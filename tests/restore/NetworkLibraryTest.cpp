@@ -1,8 +1,9 @@
-// The simulated network library where the console relies on it: address checks, modes, caching, faults.
+// The simulated network library where the console relies on it: address checks, modes, caching,
+// faults.
 #include <gtest/gtest.h>
 
-#include "keelson/Network.hpp"
 #include "HostRoot.hpp"
+#include "keelson/Network.hpp"
 
 namespace Lanyx {
 namespace {
@@ -11,21 +12,21 @@ using nlohmann::json;
 namespace KN = Keelson::Network;
 namespace TN = TesselCtl::Network;
 
-TEST(NetworkValues, AddressTextsTheDialogsCheck)
-{
-    for (const auto& [text, valid] : {std::pair{"192.168.10.1", true}, std::pair{"192.168.10.256", false},
-                                      std::pair{"1.2.3.4 ", false}, std::pair{"::1", false}})
+TEST(NetworkValues, AddressTextsTheDialogsCheck) {
+    for (const auto& [text, valid] :
+         {std::pair{"192.168.10.1", true}, std::pair{"192.168.10.256", false},
+          std::pair{"1.2.3.4 ", false}, std::pair{"::1", false}})
         EXPECT_EQ(KN::Ipv4Address::IsValidAddress(text), valid) << text;
     EXPECT_FALSE(KN::Ipv4Address("255.0.255.0").IsValidNetmask());
-    for (const auto& [text, valid] : {std::pair{"2001:db8::21/64", true}, std::pair{"2001:db8::21", false},
-                                      std::pair{"2001:db8::21/129", false}, std::pair{"2001:db8::21/6x", false}})
+    for (const auto& [text, valid] :
+         {std::pair{"2001:db8::21/64", true}, std::pair{"2001:db8::21", false},
+          std::pair{"2001:db8::21/129", false}, std::pair{"2001:db8::21/6x", false}})
         EXPECT_EQ(KN::Ipv6Network::IsValidAddressAndNetmask(text), valid) << text;
     EXPECT_EQ(KN::Ipv6Network("2001:DB8:0::21/64").GetStringAddress(), "2001:db8::21/64");
     EXPECT_EQ(KN::Ipv6Address("fe80::1%tnic0").GetScopedStringAddress(), "fe80::1%tnic0");
 }
 
-TEST(NetworkValues, DhcpAndNoneModesExcludeEachOther)
-{
+TEST(NetworkValues, DhcpAndNoneModesExcludeEachOther) {
     KN::IpConfig config;
     config.SetIpv4UseNone();
     config.SetUseDhcp(true);
@@ -39,13 +40,14 @@ TEST(NetworkValues, DhcpAndNoneModesExcludeEachOther)
 
 class NetworkLibrary : public LanyxTest::HostTest {};
 
-TEST_F(NetworkLibrary, InterfaceCachesUntilStaleAndFaultsByOperationName)
-{
+TEST_F(NetworkLibrary, InterfaceCachesUntilStaleAndFaultsByOperationName) {
     Create("dhcp");
     TN::TesselNicImpl nic("tnic0");
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.57");
     EXPECT_TRUE(nic.GetConfiguredIpConfig().GetUseDhcp());
-    Host().Edit([](json& state) { state["network"]["interfaces"][0]["ipv4"]["address"] = "192.168.10.99"; });
+    Host().Edit([](json& state) {
+        state["network"]["interfaces"][0]["ipv4"]["address"] = "192.168.10.99";
+    });
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.57") << "cached";
     nic.SetStale(true);
     EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.99");

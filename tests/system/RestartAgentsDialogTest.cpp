@@ -24,19 +24,29 @@ const auto* const screen = Testing::AddCursesScreen(25, 80, "xterm");
 LanyxTest::ProgramHost* const host = LanyxTest::AddProgramHost("default");
 
 constexpr char kF11[] = "\x1b[23~";
-std::string CorePath() { return host->Host().File("/var/log/helmd-restart1.core"); }
+std::string CorePath() {
+    return host->Host().File("/var/log/helmd-restart1.core");
+}
 
-json State() { return host->Host().State(); }
+json State() {
+    return host->Host().State();
+}
 
-size_t Count(Record record, const std::string& text) { return host->Host().Matching(record, text).size(); }
+size_t Count(Record record, const std::string& text) {
+    return host->Host().Matching(record, text).size();
+}
 
-size_t EventCount() { return Count(Record::Notad, "@&!*@*@(nota.user.lanyx.restarting.hostagents)Restarting host agents"); }
+size_t EventCount() {
+    return Count(Record::Notad,
+                 "@&!*@*@(nota.user.lanyx.restarting.hostagents)Restarting host agents");
+}
 
-std::vector<std::string> ToolRuns(const std::string& tool) { return host->Host().ToolRuns(tool); }
+std::vector<std::string> ToolRuns(const std::string& tool) {
+    return host->Host().ToolRuns(tool);
+}
 
 // The thread is never waited for by the console; a test waits for its last trace, bounded.
-bool Eventually(const std::function<bool()>& condition)
-{
+bool Eventually(const std::function<bool()>& condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline)
@@ -48,8 +58,7 @@ bool Eventually(const std::function<bool()>& condition)
 
 class RestartAgentsDialogTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         host->Reset();
         std::filesystem::remove(CorePath());
         SetStringFactorySource(&GetStringFactory);
@@ -60,12 +69,12 @@ protected:
 
 constexpr char kDone[] = "{color:dark-grey}Stopping management agents. Done.\n"
                          "Starting management agents. Done.{/color}";
-constexpr char kDoneWithCore[] = "{color:dark-grey}Collecting host agent live core information. Done.\n"
-                                 "Stopping management agents. Done.\n"
-                                 "Starting management agents. Done.{/color}";
+constexpr char kDoneWithCore[] =
+    "{color:dark-grey}Collecting host agent live core information. Done.\n"
+    "Stopping management agents. Done.\n"
+    "Starting management agents. Done.{/color}";
 
-TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore)
-{
+TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore) {
     struct Case {
         std::string name;
         std::string keys;      // typed before the run; Enter ends the wait at the end
@@ -79,10 +88,20 @@ TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore)
     const std::vector<Case> cases = {
         // Enter and other keys do nothing before F11; Space twice leaves it unticked.
         {"unticked", std::string("\n x ") + kF11 + "\n", "", kDone, {}, "", false},
-        {"live core", std::string(" ") + kF11 + "x\t\n", "", kDoneWithCore, {trace},
-         "]: Executing tesseltrace -c against helmd", true},
-        {"live core fails", std::string(" ") + kF11 + "\n", "tesseltrace", kDoneWithCore, {},
-         "]: tesseltrace failed, probably helmd was down", false},
+        {"live core",
+         std::string(" ") + kF11 + "x\t\n",
+         "",
+         kDoneWithCore,
+         {trace},
+         "]: Executing tesseltrace -c against helmd",
+         true},
+        {"live core fails",
+         std::string(" ") + kF11 + "\n",
+         "tesseltrace",
+         kDoneWithCore,
+         {},
+         "]: tesseltrace failed, probably helmd was down",
+         false},
         // The agent script's result is not looked at.
         {"agents script fails", std::string(kF11) + "\n", "agents.sh", kDone, {}, "", false},
     };
@@ -105,7 +124,8 @@ TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore)
             EXPECT_TRUE(State()["hostAgent"].value("running", false));
         }
         if (!c.threadLine.empty()) {
-            EXPECT_TRUE(Eventually([&] { return Count(Record::Syslog, c.threadLine) > 0; })) << c.threadLine;
+            EXPECT_TRUE(Eventually([&] { return Count(Record::Syslog, c.threadLine) > 0; }))
+                << c.threadLine;
             EXPECT_TRUE(Eventually([&] { return ToolRuns("tesseltrace") == c.traces; }));
         } else {
             EXPECT_EQ(Count(Record::Syslog, "tesseltrace"), 0u);
@@ -121,8 +141,7 @@ TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore)
     }
 }
 
-TEST_F(RestartAgentsDialogTest, EscapeBeforeF11ChangesNothing)
-{
+TEST_F(RestartAgentsDialogTest, EscapeBeforeF11ChangesNothing) {
     const size_t eventsBefore = EventCount();
     RestartAgentsDialog dialog(nullptr);
     Testing::Type(std::string(" \n") + "\x1b");

@@ -12,8 +12,7 @@ namespace {
 
 using Pages = std::vector<std::string>;
 
-TEST(SupportPages, SplitsAtDollarLinesAndDropsComments)
-{
+TEST(SupportPages, SplitsAtDollarLinesAndDropsComments) {
     struct Case {
         const char* file;
         Pages pages;

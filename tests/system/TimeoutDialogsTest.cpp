@@ -28,20 +28,22 @@ constexpr char kShellOption[] = "/UserVars/OstraShellTimeOut";
 constexpr char kIdleOption[] = "/UserVars/OstraShellInteractiveTimeOut";
 constexpr char kLanyxOption[] = "/UserVars/LanyxTimeOut";
 
-json& Option(json& state, const char* name) { return state["advancedOptions"][name]; }
+json& Option(json& state, const char* name) {
+    return state["advancedOptions"][name];
+}
 
-int64_t OptionValue(const char* name)
-{
+int64_t OptionValue(const char* name) {
     json state = program->Host().State();
     return Option(state, name)["value"].get<int64_t>();
 }
 
-std::vector<std::string> ToolRuns() { return program->Host().ToolRuns(); }
+std::vector<std::string> ToolRuns() {
+    return program->Host().ToolRuns();
+}
 
 class TimeoutDialogs : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         SetStringFactorySource(&GetStringFactory);
         keypad(stdscr, TRUE);
         set_escdelay(25);
@@ -51,8 +53,7 @@ protected:
 
 // ---------------------------------------------------------------- shell time-outs
 
-TEST_F(TimeoutDialogs, ShellValuesAppliedSkippedOrRefused)
-{
+TEST_F(TimeoutDialogs, ShellValuesAppliedSkippedOrRefused) {
     struct Case {
         const char* name;
         std::string keys;
@@ -63,29 +64,111 @@ TEST_F(TimeoutDialogs, ShellValuesAppliedSkippedOrRefused)
         std::vector<std::string> logs;
         std::vector<std::string> tools;
     };
-    const std::string setShell = std::string("ostraq system settings advanced set -o ") + kShellOption + " -i ";
-    const std::string setIdle = std::string("ostraq system settings advanced set -o ") + kIdleOption + " -i ";
+    const std::string setShell =
+        std::string("ostraq system settings advanced set -o ") + kShellOption + " -i ";
+    const std::string setIdle =
+        std::string("ostraq system settings advanced set -o ") + kIdleOption + " -i ";
     // The host starts at 10 minutes of availability and 20 of idle time.
     const std::vector<Case> cases = {
-        {"letters are not let in", "a5b\n", false, {}, true, 300, 1200,
-         {"Modified Shell timeout to 5 minutes"}, {setShell + "300"}},
-        {"1440 is the largest value", "1440\n", false, {}, true, 86400, 1200,
-         {"Modified Shell timeout to 1440 minutes"}, {setShell + "86400"}},
-        {"1441 is refused and the idle value still applies", std::string("1441") + kDown + "0\n\n", false, {}, true,
-         600, 0, {"Disabled shell interactive timeout"}, {setIdle + "0"}},
-        {"0 disables", std::string("0") + kDown + "7\n", false, {}, true, 0, 420,
-         {"Disabled Shell timeout", "Modified shell interactive timeout to 7 minutes"}, {setShell + "0", setIdle + "420"}},
-        {"an emptied field is left alone", std::string(kDelete) + "\n", false, {}, true, 600, 1200, {}, {}},
-        {"unchanged values run nothing", std::string("10") + kDown + "20\n", true, {}, true, 600, 1200, {}, {}},
-        {"Escape leaves without a change", std::string("5") + kEscape, false, {}, false, 600, 1200, {}, {}},
-        {"running services restart for the availability value", "3\n", true, {}, true, 180, 1200,
-         {"Modified Shell timeout to 3 minutes"}, {setShell + "180", "OstraShell restart", "SSH restart"}},
-        {"the idle value alone restarts nothing", std::string(kDown) + "3\n", true, {}, true, 600, 180,
-         {"Modified shell interactive timeout to 3 minutes"}, {setIdle + "180"}},
-        {"benchq writes when ostraq fails", "4\n", false, {"ostraq"}, true, 240, 1200,
-         {"Modified Shell timeout to 4 minutes"}, {"benchq system settings advanced set -o /UserVars/OstraShellTimeOut -i 240"}},
-        {"both failing is only logged as done", "4\n", false, {"ostraq", "benchq"}, true, 600, 1200,
-         {"Modified Shell timeout to 4 minutes"}, {}},
+        {"letters are not let in",
+         "a5b\n",
+         false,
+         {},
+         true,
+         300,
+         1200,
+         {"Modified Shell timeout to 5 minutes"},
+         {setShell + "300"}},
+        {"1440 is the largest value",
+         "1440\n",
+         false,
+         {},
+         true,
+         86400,
+         1200,
+         {"Modified Shell timeout to 1440 minutes"},
+         {setShell + "86400"}},
+        {"1441 is refused and the idle value still applies",
+         std::string("1441") + kDown + "0\n\n",
+         false,
+         {},
+         true,
+         600,
+         0,
+         {"Disabled shell interactive timeout"},
+         {setIdle + "0"}},
+        {"0 disables",
+         std::string("0") + kDown + "7\n",
+         false,
+         {},
+         true,
+         0,
+         420,
+         {"Disabled Shell timeout", "Modified shell interactive timeout to 7 minutes"},
+         {setShell + "0", setIdle + "420"}},
+        {"an emptied field is left alone",
+         std::string(kDelete) + "\n",
+         false,
+         {},
+         true,
+         600,
+         1200,
+         {},
+         {}},
+        {"unchanged values run nothing",
+         std::string("10") + kDown + "20\n",
+         true,
+         {},
+         true,
+         600,
+         1200,
+         {},
+         {}},
+        {"Escape leaves without a change",
+         std::string("5") + kEscape,
+         false,
+         {},
+         false,
+         600,
+         1200,
+         {},
+         {}},
+        {"running services restart for the availability value",
+         "3\n",
+         true,
+         {},
+         true,
+         180,
+         1200,
+         {"Modified Shell timeout to 3 minutes"},
+         {setShell + "180", "OstraShell restart", "SSH restart"}},
+        {"the idle value alone restarts nothing",
+         std::string(kDown) + "3\n",
+         true,
+         {},
+         true,
+         600,
+         180,
+         {"Modified shell interactive timeout to 3 minutes"},
+         {setIdle + "180"}},
+        {"benchq writes when ostraq fails",
+         "4\n",
+         false,
+         {"ostraq"},
+         true,
+         240,
+         1200,
+         {"Modified Shell timeout to 4 minutes"},
+         {"benchq system settings advanced set -o /UserVars/OstraShellTimeOut -i 240"}},
+        {"both failing is only logged as done",
+         "4\n",
+         false,
+         {"ostraq", "benchq"},
+         true,
+         600,
+         1200,
+         {"Modified Shell timeout to 4 minutes"},
+         {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -110,8 +193,7 @@ TEST_F(TimeoutDialogs, ShellValuesAppliedSkippedOrRefused)
     }
 }
 
-TEST_F(TimeoutDialogs, ShellValuesThatAreNoNumberReadAsZero)
-{
+TEST_F(TimeoutDialogs, ShellValuesThatAreNoNumberReadAsZero) {
     struct Case {
         json value;
         const char* shown;
@@ -130,20 +212,29 @@ TEST_F(TimeoutDialogs, ShellValuesThatAreNoNumberReadAsZero)
 
 // ---------------------------------------------------------------- the console's own limit
 
-TEST_F(TimeoutDialogs, ConsoleLimitWrittenAndTakenUpAtOnce)
-{
+TEST_F(TimeoutDialogs, ConsoleLimitWrittenAndTakenUpAtOnce) {
     struct Case {
         const char* name;
         std::string keys;
         bool optionExists;
-        int64_t seconds;          // the option afterwards
-        uint32_t limit;           // idleTimeoutSeconds afterwards
+        int64_t seconds; // the option afterwards
+        uint32_t limit;  // idleTimeoutSeconds afterwards
         std::vector<std::string> logs;
     };
     const std::vector<Case> cases = {
-        {"letters are not let in", "x2y\n", true, 120, 120, {"Modified Lanyx timeout to 2 minutes"}},
+        {"letters are not let in",
+         "x2y\n",
+         true,
+         120,
+         120,
+         {"Modified Lanyx timeout to 2 minutes"}},
         {"0 disables", "0\n", true, 0, 0, {"Disabled Lanyx timeout"}},
-        {"1440 is the largest value", "1440\n", true, 86400, 86400, {"Modified Lanyx timeout to 1440 minutes"}},
+        {"1440 is the largest value",
+         "1440\n",
+         true,
+         86400,
+         86400,
+         {"Modified Lanyx timeout to 1440 minutes"}},
         {"1441 is refused", "1441\n\n", true, 600, 0, {}},
         {"unchanged writes nothing", "10\n", true, 600, 0, {}},
         {"empty writes nothing", std::string(kDelete) + "\n", true, 600, 0, {}},

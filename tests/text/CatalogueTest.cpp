@@ -54,8 +54,10 @@ TEST_F(Catalogue, OneInstanceWhateverTheLocaleAndEveryEntryFilled) {
         EXPECT_STREQ(strings->GetString(kStringCount), "");
         EXPECT_STREQ(strings->GetString(UINT32_MAX), "");
         // Texts are kept as written, double blanks and markup included.
-        EXPECT_NE(std::string(strings->GetString(266)).find("allowed.  Changes"), std::string::npos);
-        EXPECT_EQ(std::string(strings->GetString(245)).rfind("{color:red}Warning! Restarting", 0), 0u);
+        EXPECT_NE(std::string(strings->GetString(266)).find("allowed.  Changes"),
+                  std::string::npos);
+        EXPECT_EQ(std::string(strings->GetString(245)).rfind("{color:red}Warning! Restarting", 0),
+                  0u);
     });
 }
 
@@ -76,8 +78,9 @@ TEST_F(Catalogue, VersionLineIsReadOnceButRetriedAfterAFailure) {
 TEST_F(Catalogue, UnterminatedFieldsStopAtTheNextField) {
     InFreshProcess([] {
         std::memset(Sysinfo().record, 'A', sizeof Sysinfo().record);
-        const std::string expected = std::string(32, 'A') + " " + std::string(64, 'A') + " (Tessel " +
-                                     std::string(32, 'A') + " Build " + std::string(216, 'A') + ")";
+        const std::string expected = std::string(32, 'A') + " " + std::string(64, 'A') +
+                                     " (Tessel " + std::string(32, 'A') + " Build " +
+                                     std::string(216, 'A') + ")";
         EXPECT_EQ(GetStringFactory("en_US")->GetString(2), expected);
     });
 }

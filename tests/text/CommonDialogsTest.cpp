@@ -80,9 +80,11 @@ TEST_F(CommonDialogsTest, InfoDialogShowsItsBodyFromTheStart) {
 TEST(InfoTypeRow, RowsLineUpUnderTheirHeaderAndDetailsKeepWholeFields) {
     const std::string nic7 = "tnic123", group19 = "abcdefghijklmnopqrs";
     TesselNicInfo nic{nic7, "00:50:56:01:02:03", "N/A", group19};
-    EXPECT_EQ(nic.GetRow(), "{align:padding:8}tni...{/align}{align:padding:19}00:50:56:01:02:03{/align}"
-                            "{align:padding:10}N/A{/align}{align:padding:20}abcdefghijklmno...{/align}");
-    EXPECT_EQ(nic.GetDetails(), "Name: tnic123\nMAC Address: 00:50:56:01:02:03\nPortset: N/A\nPortgroup: " + group19);
+    EXPECT_EQ(nic.GetRow(),
+              "{align:padding:8}tni...{/align}{align:padding:19}00:50:56:01:02:03{/align}"
+              "{align:padding:10}N/A{/align}{align:padding:20}abcdefghijklmno...{/align}");
+    EXPECT_EQ(nic.GetDetails(),
+              "Name: tnic123\nMAC Address: 00:50:56:01:02:03\nPortset: N/A\nPortgroup: " + group19);
     EXPECT_EQ(nic.GetDetailsHeading(), "Tessel NIC Name: tnic123");
 
     PortGroupInfo whole{"abcdefghijklmnopqr", "switch-number1", 4294967295, 4095};
@@ -94,7 +96,9 @@ TEST(InfoTypeRow, RowsLineUpUnderTheirHeaderAndDetailsKeepWholeFields) {
     EXPECT_EQ(header, "  Portgroup Name      Virtual Switch  Active Clients  VLAN ID");
     EXPECT_EQ(wholeRow, "  abcdefghijklmnopqr  switch-number1  4294967295      4095   ");
     EXPECT_EQ(cutRow, "  abcdefghijklmno...  switch-numb...  0               0      ");
-    EXPECT_EQ(cut.GetDetails(), "Name: " + group19 + "\nVirtual Switch: switch-number12\nActive Clients: 0\nVLAN ID: 0");
+    EXPECT_EQ(cut.GetDetails(),
+              "Name: " + group19 +
+                  "\nVirtual Switch: switch-number12\nActive Clients: 0\nVLAN ID: 0");
     EXPECT_EQ(std::string(whole.GetDetailsFooter()),
               "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}  ");
 }

@@ -12,8 +12,7 @@ namespace {
 
 using namespace Testing;
 
-TEST(FieldFilters, LetInTheirOwnCharactersOnly)
-{
+TEST(FieldFilters, LetInTheirOwnCharactersOnly) {
     struct Row {
         FieldFilter filter;
         const char* name;
@@ -38,15 +37,14 @@ TEST(FieldFilters, LetInTheirOwnCharactersOnly)
         for (int key : {Keys::F2, Keys::Up, Keys::DeleteChar, -1, 0x1ff})
             EXPECT_FALSE(row.filter(key)) << row.name << " key " << key;
     }
-    for (int key : {Keys::DeleteChar, Keys::Backspace, Keys::CursesBackspace, Keys::Left, Keys::Right,
-                    Keys::Home, Keys::End})
+    for (int key : {Keys::DeleteChar, Keys::Backspace, Keys::CursesBackspace, Keys::Left,
+                    Keys::Right, Keys::Home, Keys::End})
         EXPECT_TRUE(IsEditKey(key)) << key;
     for (int key : {Keys::Up, Keys::Down, Keys::Tab, Keys::Enter, Keys::Delete127, int{'a'}})
         EXPECT_FALSE(IsEditKey(key)) << key;
 }
 
-TEST(RadioGroupTest, OneSetAndItsDependentsEnabled)
-{
+TEST(RadioGroupTest, OneSetAndItsDependentsEnabled) {
     RadioItem none{"none", false}, dhcp{"dhcp", false}, manual{"static", false};
     InputItem address{"Address", "", 16}, mask{"Mask", "", 16};
     RadioGroup group({&none, &dhcp, &manual}, 1);
@@ -70,8 +68,7 @@ TEST(RadioGroupTest, OneSetAndItsDependentsEnabled)
 // and Enter with a number too large selects it and names the rule, keeping what was typed.
 class NumberForm : public FormDialog {
 public:
-    NumberForm() : FormDialog(nullptr, 60, 12, 5)
-    {
+    NumberForm() : FormDialog(nullptr, 60, 12, 5) {
         CreateList();
         name = AddField("Name", "", 20, Filters::Printable);
         number = AddField("Number", "", 5, Filters::Digits);
@@ -83,8 +80,7 @@ public:
 
 protected:
     void Open() override { list->SelectOrdinal(1); }
-    bool Accept() override
-    {
+    bool Accept() override {
         if (std::atoi(number->GetValue().c_str()) < 100)
             return true;
         ++refusals;
@@ -93,12 +89,13 @@ protected:
     }
 };
 
-TEST(FormDialogTest, FiltersPerFieldRejectsAndHidesTheCursor)
-{
+TEST(FormDialogTest, FiltersPerFieldRejectsAndHidesTheCursor) {
     NumberForm form;
     // Letters do not reach the number; 150 is refused, the message box closes with Enter, and
     // the field is selected whole again, so "42" replaces the value.
-    Type("x1y50\n" "\n" "42\n");
+    Type("x1y50\n"
+         "\n"
+         "42\n");
     EXPECT_TRUE(form.RunModal());
     EXPECT_TRUE(InputDrained());
     EXPECT_EQ(form.name->GetValue(), "");

@@ -52,8 +52,11 @@ TEST_F(RootWindowTest, TwoPanesCaptionsFootersListAndStatusLine) {
     EXPECT_EQ(PairAt(cells, 39, 3), PairOf(3, 7));
     EXPECT_EQ(PairAt(cells, 40, 3), PairOf(6, 7));
     // Where the texts stand is checked end to end; here, their colours.
-    for (const auto& [x, y, pair] : {std::tuple{3, 1, PairOf(3, 0)}, {42, 1, PairOf(6, 7)}, {2, 21, PairOf(3, 0)},
-                                     {42, 4, PairOf(6, 2)}, {3, 4, PairOf(0, 7)}})
+    for (const auto& [x, y, pair] : {std::tuple{3, 1, PairOf(3, 0)},
+                                     {42, 1, PairOf(6, 7)},
+                                     {2, 21, PairOf(3, 0)},
+                                     {42, 4, PairOf(6, 2)},
+                                     {3, 4, PairOf(0, 7)}})
         EXPECT_EQ(PairAt(cells, x, y), pair) << x << "," << y;
     EXPECT_EQ(menu.GetItemList()->GetRowCount(), 18);
     const int column = 40 - static_cast<int>(std::strlen(kVersion)) / 2;

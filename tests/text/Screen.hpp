@@ -31,6 +31,8 @@ inline const bool catalogueInstalled = [] {
 inline LanyxTest::ProgramHost* const textRoot = LanyxTest::AddProgramHost();
 inline CursesScreen* const textScreen = AddCursesScreen();
 
-inline std::string SystemLog() { return textRoot->Host().Read("/var/log/syslog.log"); }
+inline std::string SystemLog() {
+    return textRoot->Host().Read("/var/log/syslog.log");
+}
 
 } // namespace Lanyx::Testing

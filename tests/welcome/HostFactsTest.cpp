@@ -13,13 +13,17 @@
 namespace Lanyx {
 namespace {
 
-using nlohmann::json;
 using LanyxTest::Record;
+using nlohmann::json;
 
 auto* const program = LanyxTest::AddProgramHost("default");
 
-void ResetState(const std::function<void(json&)>& change = {}) { program->Reset(change); }
-std::vector<std::string> Logged(const std::string& text) { return program->Host().Matching(Record::Syslog, text); }
+void ResetState(const std::function<void(json&)>& change = {}) {
+    program->Reset(change);
+}
+std::vector<std::string> Logged(const std::string& text) {
+    return program->Host().Matching(Record::Syslog, text);
+}
 
 constexpr uint64_t MiB = uint64_t{1} << 20;
 constexpr uint64_t GiB = MiB << 10;
@@ -33,19 +37,22 @@ TEST(TextHelpers, WhiteSpaceVendorLineAndMemorySizes) {
     EXPECT_EQ(CollapseWhitespace(" \t\n "), "");
     // A product that begins with the vendor (after normalising, as text, not words) is not doubled.
     for (const auto& [vendor, product, line] :
-         {std::tuple{"Northwind  Systems ", "Northwind Systems  NX-2840", "Northwind Systems NX-2840"},
+         {std::tuple{"Northwind  Systems ", "Northwind Systems  NX-2840",
+                     "Northwind Systems NX-2840"},
           std::tuple{"Acme", "Server by Acme", "Acme Server by Acme"},
           std::tuple{"Acme Corp", "Acme  Corporation", "Acme Corporation"},
           std::tuple{"Acme  Corp", "AcmeCorp R-1", "Acme Corp AcmeCorp R-1"}})
         EXPECT_EQ(FormatVendorLine(vendor, product), line);
 
     // The tag rounds up to a quarter gibibyte; the line keeps the exact size. Both cut one decimal.
-    for (const auto& [bytes, text] : {std::pair{16 * GiB + GiB / 4, "16.2 GB"}, std::pair{100 * MiB, "256 MB"},
-                                      std::pair{16 * GiB - 5 * MiB, "16 GB"}, std::pair{16 * GiB + 1, "16.2 GB"},
-                                      std::pair{4096 * PiB, "4096 PB"}})
+    for (const auto& [bytes, text] :
+         {std::pair{16 * GiB + GiB / 4, "16.2 GB"}, std::pair{100 * MiB, "256 MB"},
+          std::pair{16 * GiB - 5 * MiB, "16 GB"}, std::pair{16 * GiB + 1, "16.2 GB"},
+          std::pair{4096 * PiB, "4096 PB"}})
         EXPECT_EQ(FormatMemoryTag(bytes), text) << bytes;
-    for (const auto& [bytes, text] : {std::pair{16 * GiB - 100 * MiB, "15.9 GiB Memory"},
-                                      std::pair{MiB / 2, "0.5 MiB Memory"}, std::pair{5 * PiB, "5 PiB Memory"}})
+    for (const auto& [bytes, text] :
+         {std::pair{16 * GiB - 100 * MiB, "15.9 GiB Memory"}, std::pair{MiB / 2, "0.5 MiB Memory"},
+          std::pair{5 * PiB, "5 PiB Memory"}})
         EXPECT_EQ(FormatMemoryLine(bytes), text) << bytes;
 }
 
@@ -64,8 +71,10 @@ protected:
 
 TEST_F(HostFacts, TagsFromTheHost) {
     const std::pair<const char*, const char*> tags[] = {
-        {"ostraversion", "8.0.3 build-24280767"}, {"memory", "127.7 GB"},
-        {"BIOSversion", "2.14.1 (2.14) 03/11/2026"}, {"PLSAversion", "1.2.4.11-1vmw"},
+        {"ostraversion", "8.0.3 build-24280767"},
+        {"memory", "127.7 GB"},
+        {"BIOSversion", "2.14.1 (2.14) 03/11/2026"},
+        {"PLSAversion", "1.2.4.11-1vmw"},
         {"CPLDversion", "N/A"},
     };
     for (const auto& [tag, value] : tags)

@@ -47,10 +47,12 @@ TEST(ManagementText, Ipv6LinesOnlyWhenEnabledTiesKeepTheHostsOrderAndOnlyFourOfS
     facts.ipv6 = {{"fe80::1", 1}};
     EXPECT_EQ(ComposeManagementText(facts, strings).find("https://["), std::string::npos);
     facts.ipv6Enabled = true;
-    EXPECT_NE(ComposeManagementText(facts, strings).find("https://[fe80::1]/ \n"), std::string::npos);
+    EXPECT_NE(ComposeManagementText(facts, strings).find("https://[fe80::1]/ \n"),
+              std::string::npos);
 
-    EXPECT_EQ(ComposeIpv6Lines({{"2001:db8::aaaa", Ipv6Dhcp}, {"b::2", Ipv6Autoconf}, {"d::4", 0}, {"c::3", 0}},
-                               strings),
+    EXPECT_EQ(ComposeIpv6Lines(
+                  {{"2001:db8::aaaa", Ipv6Dhcp}, {"b::2", Ipv6Autoconf}, {"d::4", 0}, {"c::3", 0}},
+                  strings),
               "https://[d::4]/ (STATIC)\nhttps://[c::3]/ (STATIC)\nhttps://[b::2]/ (AUTOCONF)\n"
               "https://[2001:db8::aaaa]/ (DHCP)\n");
     std::vector<Ipv6Entry> entries;

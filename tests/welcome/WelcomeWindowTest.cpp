@@ -15,14 +15,20 @@
 namespace Lanyx {
 namespace {
 
-using nlohmann::json;
 using LanyxTest::Record;
+using nlohmann::json;
 
 auto* const program = LanyxTest::AddProgramHost("default");
 
-void ResetState(const std::function<void(json&)>& change = {}) { program->Reset(change); }
-void ChangeState(const std::function<void(json&)>& change) { program->Host().Edit(change); }
-size_t Logged(Record record, const std::string& text) { return program->Host().Matching(record, text).size(); }
+void ResetState(const std::function<void(json&)>& change = {}) {
+    program->Reset(change);
+}
+void ChangeState(const std::function<void(json&)>& change) {
+    program->Host().Edit(change);
+}
+size_t Logged(Record record, const std::string& text) {
+    return program->Host().Matching(record, text).size();
+}
 
 // Tall enough for the warning text, which needs 29 lines.
 const auto* const screen = Testing::AddCursesScreen(31, 100, "xterm-256color");
@@ -87,7 +93,8 @@ TEST_F(WelcomeWindowTest, WarningsAndTheirOrder) {
     });
     WelcomeWindow window;
     window.Reload();
-    EXPECT_EQ(window.GetHardwareText()->GetText(), "Tessellate(R) Core Gold 6430 @ 2.10GHz\n127.7 GiB Memory")
+    EXPECT_EQ(window.GetHardwareText()->GetText(),
+              "Tessellate(R) Core Gold 6430 @ 2.10GHz\n127.7 GiB Memory")
         << "a single package shows no count";
     EXPECT_EQ(window.GetWarningText()->GetText(), en_US_Factory().GetString(140));
     ChangeState([](json& state) { state["bootOption"]["auditMode"] = true; });
@@ -101,7 +108,8 @@ TEST_F(WelcomeWindowTest, WarningsAndTheirOrder) {
     });
     window.Reload();
     EXPECT_EQ(window.GetWarningText()->GetText(), en_US_Factory().GetString(141));
-    EXPECT_NE(window.GetManagementText()->GetText().find("https://0.0.0.0/ (STATIC)"), std::string::npos);
+    EXPECT_NE(window.GetManagementText()->GetText().find("https://0.0.0.0/ (STATIC)"),
+              std::string::npos);
 }
 
 // The logout records of a session are checked end to end; here, what runs inside a session and

@@ -67,7 +67,9 @@ public:
     bool IsLinkLocal() const;
     static bool IsValidAddress(const std::string& text);
 
-    bool operator==(const Ipv6Address& other) const { return bytes_ == other.bytes_ && zone_ == other.zone_; }
+    bool operator==(const Ipv6Address& other) const {
+        return bytes_ == other.bytes_ && zone_ == other.zone_;
+    }
 
 private:
     std::array<uint8_t, 16> bytes_{};
@@ -99,7 +101,8 @@ public:
 
     // Same address and prefix length; type and scope do not count.
     bool operator==(const Ipv6Network& other) const {
-        return address_.GetBytes() == other.address_.GetBytes() && prefixLength_ == other.prefixLength_;
+        return address_.GetBytes() == other.address_.GetBytes() &&
+               prefixLength_ == other.prefixLength_;
     }
 
 private:
@@ -143,7 +146,10 @@ public:
 
     // No IPv4 configuration at all.
     bool GetIpv4UseNone() const { return ipv4UseNone_; }
-    void SetIpv4UseNone() { ipv4UseNone_ = true; useDhcp_ = false; }
+    void SetIpv4UseNone() {
+        ipv4UseNone_ = true;
+        useDhcp_ = false;
+    }
     bool GetUseDhcp() const { return useDhcp_; }
     // SetUseDhcp(true): DHCP; (false, false): static; (false, true): no IPv4 configuration.
     void SetUseDhcp(bool useDhcp, bool useNone = false) {

@@ -22,8 +22,8 @@ struct SmartCardToken {
 // The firmware's description of the system board, in the order the firmware tables give it.
 struct BiosData {
     std::string vendor;
-    std::string version;      // BIOS version text
-    std::string releaseDate;  // BIOS date text
+    std::string version;     // BIOS version text
+    std::string releaseDate; // BIOS date text
     std::string assetTag;
     std::string systemVersion;
     std::string boardSerial;

@@ -24,7 +24,7 @@ class Pnic;
 // Kinds of connectee behind a connection point.
 enum ConnecteeType : int {
     CONNECTEE_NONE = 0,
-    CONNECTEE_PORTGROUP = 1, // a PortGroup on a standard switch
+    CONNECTEE_PORTGROUP = 1,   // a PortGroup on a standard switch
     CONNECTEE_FABRIC_PORT = 2, // a FabricPort
     CONNECTEE_OPAQUE = 3,
 };
@@ -55,8 +55,12 @@ public:
     void SetMaxActiveUplinks(int32_t count) { maxActiveUplinks_ = count; }
     const std::string& GetPolicy() const { return policy_; }
     void SetPolicy(const std::string& policy) { policy_ = policy; }
-    const LinkCriteriaSelectionPolicy& GetLinkCriteriaSelectionPolicy() const { return linkCriteria_; }
-    void SetLinkCriteriaSelectionPolicy(const LinkCriteriaSelectionPolicy& criteria) { linkCriteria_ = criteria; }
+    const LinkCriteriaSelectionPolicy& GetLinkCriteriaSelectionPolicy() const {
+        return linkCriteria_;
+    }
+    void SetLinkCriteriaSelectionPolicy(const LinkCriteriaSelectionPolicy& criteria) {
+        linkCriteria_ = criteria;
+    }
 
 private:
     uint32_t flags_ = 0;
@@ -140,22 +144,22 @@ struct FabricPortVlanPolicy {
 // Byte layout as the library keeps it: word at 0, bytes at 4 to 18, active list at 24,
 // standby list at 48.
 struct FabricPortTeamPolicy {
-    uint32_t policy = 0;             // 0
-    uint8_t reversePolicy = 0;       // 4
-    uint8_t notifySwitches = 0;      // 5
-    uint8_t rollingOrder = 0;        // 6
-    uint8_t linkBeacon = 0;          // 7
-    uint8_t linkSpeed = 0;           // 8
-    uint8_t linkDuplex = 0;          // 9
-    uint8_t linkErrors = 0;          // 10
-    uint8_t reserved11 = 0;          // 11
-    uint8_t reserved12 = 0;          // 12
-    uint8_t reserved13 = 0;          // 13
-    uint8_t reserved14 = 0;          // 14
-    uint8_t policyInherited = 0;     // 15
-    uint8_t reserved16 = 0;          // 16
-    uint8_t uplinksInherited = 0;    // 17
-    uint8_t failureInherited = 0;    // 18
+    uint32_t policy = 0;                     // 0
+    uint8_t reversePolicy = 0;               // 4
+    uint8_t notifySwitches = 0;              // 5
+    uint8_t rollingOrder = 0;                // 6
+    uint8_t linkBeacon = 0;                  // 7
+    uint8_t linkSpeed = 0;                   // 8
+    uint8_t linkDuplex = 0;                  // 9
+    uint8_t linkErrors = 0;                  // 10
+    uint8_t reserved11 = 0;                  // 11
+    uint8_t reserved12 = 0;                  // 12
+    uint8_t reserved13 = 0;                  // 13
+    uint8_t reserved14 = 0;                  // 14
+    uint8_t policyInherited = 0;             // 15
+    uint8_t reserved16 = 0;                  // 16
+    uint8_t uplinksInherited = 0;            // 17
+    uint8_t failureInherited = 0;            // 18
     std::vector<std::string> activeUplinks;  // 24
     std::vector<std::string> standbyUplinks; // 48
 };
@@ -195,7 +199,8 @@ public:
     virtual FabricPort* GetFabricPort(const std::string& portId) const = 0;
     // Throws when the fabric does not hold the uplink.
     virtual void RemoveUplink(const std::string& uplink, bool teaming) = 0;
-    // Whether the fabric is of this host maker's own kind (the only kind its ports can be repaired).
+    // Whether the fabric is of this host maker's own kind (the only kind its ports can be
+    // repaired).
     virtual bool IsZephoraFabric() const = 0;
 };
 
@@ -227,7 +232,8 @@ public:
     virtual std::map<std::string, std::string> GetVendorData(int kind) const = 0;
     virtual void SetVendorData(int kind, const std::map<std::string, std::string>& data) = 0;
     virtual std::map<std::string, std::vector<uint8_t>> GetVendorBinaryData(int kind) const = 0;
-    virtual void SetVendorData(int kind, const std::map<std::string, std::vector<uint8_t>>& data) = 0;
+    virtual void SetVendorData(int kind,
+                               const std::map<std::string, std::vector<uint8_t>>& data) = 0;
     virtual std::vector<FabricPortOverlayParam> GetOverlayParams() const = 0;
     virtual void SetOverlayParams(const std::vector<FabricPortOverlayParam>& params) = 0;
     virtual std::vector<FABRICResPoolCfg> GetResPoolsCfg() const = 0;
@@ -386,13 +392,15 @@ public:
 class TesselNicInfoImpl : public virtual Keelson::Lib::KeelsonObject {
 public:
     // Kernel interfaces of the host's stack.
-    std::vector<std::unique_ptr<Keelson::Network::NetworkInterface>> GetTesselNics(int selector) const;
+    std::vector<std::unique_ptr<Keelson::Network::NetworkInterface>>
+    GetTesselNics(int selector) const;
 };
 
 class VirtualSwitchInfoImpl : public virtual Keelson::Lib::KeelsonObject {
 public:
     // Standard switches, in the host's order.
-    std::vector<std::unique_ptr<Keelson::Network::VirtualSwitch>> GetVirtualSwitches(int selector) const;
+    std::vector<std::unique_ptr<Keelson::Network::VirtualSwitch>>
+    GetVirtualSwitches(int selector) const;
     std::vector<std::unique_ptr<Keelson::Network::FabricSwitch>> GetFabricSwitches() const;
     // Creates a standard switch; the new switch belongs to the caller.
     Keelson::Network::VirtualSwitch* AddVirtualSwitch(const std::string& name, uint32_t numPorts);
@@ -413,8 +421,8 @@ public:
 class FabricPortImpl {
 public:
     // Creates a port on the fabric of param.fabricId; the new port belongs to the caller.
-    static Keelson::Network::FabricPort* CreateFabricPort(const Keelson::Network::FabricPortParam& param,
-                                                          const std::string& portId);
+    static Keelson::Network::FabricPort*
+    CreateFabricPort(const Keelson::Network::FabricPortParam& param, const std::string& portId);
 };
 
 } // namespace TesselCtl::Network

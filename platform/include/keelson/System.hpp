@@ -37,7 +37,8 @@ public:
     void LoadKeyboardMappings(const std::string& name);
     void SetKeyboardLayout(const std::string& name);
     // The firewall ruleset of that id ("sshServer"), owned by the caller.
-    std::unique_ptr<Keelson::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) const;
+    std::unique_ptr<Keelson::System::FirewallRuleset>
+    GetFirewallRulesetById(const std::string& id) const;
 };
 
 } // namespace TesselCtl::System

@@ -21,14 +21,19 @@
 #include <cstdio>
 #include <filesystem>
 
-
 extern char** environ;
 
 namespace LanyxE2E {
 
-std::string LanyxBinary() { return LANYX_E2E_LANYX; }
-std::string KeyTestBinary() { return LANYX_E2E_KEYTEST; }
-std::string BuildDir() { return LANYX_E2E_BUILD_DIR; }
+std::string LanyxBinary() {
+    return LANYX_E2E_LANYX;
+}
+std::string KeyTestBinary() {
+    return LANYX_E2E_KEYTEST;
+}
+std::string BuildDir() {
+    return LANYX_E2E_BUILD_DIR;
+}
 
 namespace {
 
@@ -37,8 +42,7 @@ namespace {
 #endif
 enum SystemCall : long { Read = 0, Poll = 7, Wait4 = 61, Ppoll = 271, Waitid = 247 };
 
-std::string ProcFile(const std::string& path)
-{
+std::string ProcFile(const std::string& path) {
     std::ifstream in(path);
     std::ostringstream text;
     text << in.rdbuf();
@@ -53,8 +57,7 @@ struct Task {
     std::string switches; // voluntary context switches: unchanged while it stays blocked
 };
 
-std::optional<Task> ReadTask(pid_t pid)
-{
+std::optional<Task> ReadTask(pid_t pid) {
     const std::string base = "/proc/" + std::to_string(pid) + "/task/" + std::to_string(pid) + "/";
     const std::string stat = ProcFile(base + "stat");
     const size_t close = stat.rfind(')');
@@ -77,8 +80,7 @@ std::optional<Task> ReadTask(pid_t pid)
     return task;
 }
 
-bool IsTerminal(pid_t pid, long fd, const std::string& terminal)
-{
+bool IsTerminal(pid_t pid, long fd, const std::string& terminal) {
     std::error_code error;
     const auto target = std::filesystem::read_symlink(
         "/proc/" + std::to_string(pid) + "/fd/" + std::to_string(fd), error);
@@ -86,8 +88,8 @@ bool IsTerminal(pid_t pid, long fd, const std::string& terminal)
 }
 
 // Whether the poll of `pid` at `address` waits for input on the terminal among `count` entries.
-bool PollsTerminal(pid_t pid, unsigned long address, unsigned long count, const std::string& terminal)
-{
+bool PollsTerminal(pid_t pid, unsigned long address, unsigned long count,
+                   const std::string& terminal) {
     if (count == 0 || count > 64)
         return false;
     std::vector<pollfd> fds(count);
@@ -95,7 +97,8 @@ bool PollsTerminal(pid_t pid, unsigned long address, unsigned long count, const 
     if (mem < 0)
         return false;
     const size_t size = count * sizeof(pollfd);
-    const bool read = pread(mem, fds.data(), size, static_cast<off_t>(address)) == static_cast<ssize_t>(size);
+    const bool read =
+        pread(mem, fds.data(), size, static_cast<off_t>(address)) == static_cast<ssize_t>(size);
     close(mem);
     for (const pollfd& fd : fds)
         if (read && (fd.events & POLLIN) && IsTerminal(pid, fd.fd, terminal))
@@ -106,9 +109,8 @@ bool PollsTerminal(pid_t pid, unsigned long address, unsigned long count, const 
 // The process, the console or a child it waits for, that is blocked reading the terminal. The
 // console's own key wait polls the keyboard and its signal pipe; a poll of the keyboard alone is
 // curses waiting for the rest of an escape sequence, and a key sent then would join it.
-std::optional<std::pair<pid_t, std::string>> FindReader(pid_t pid, const std::string& terminal, bool console,
-                                                        int depth = 0)
-{
+std::optional<std::pair<pid_t, std::string>> FindReader(pid_t pid, const std::string& terminal,
+                                                        bool console, int depth = 0) {
     const auto task = ReadTask(pid);
     if (!task || task->state != 'S' || depth > 4)
         return std::nullopt;
@@ -120,13 +122,14 @@ std::optional<std::pair<pid_t, std::string>> FindReader(pid_t pid, const std::st
         break;
     case Poll:
     case Ppoll:
-        if ((!console || task->args[1] >= 2) && PollsTerminal(pid, task->args[0], task->args[1], terminal))
+        if ((!console || task->args[1] >= 2) &&
+            PollsTerminal(pid, task->args[0], task->args[1], terminal))
             return found;
         break;
     case Wait4:
     case Waitid: {
-        std::istringstream children(
-            ProcFile("/proc/" + std::to_string(pid) + "/task/" + std::to_string(pid) + "/children"));
+        std::istringstream children(ProcFile("/proc/" + std::to_string(pid) + "/task/" +
+                                             std::to_string(pid) + "/children"));
         for (pid_t child; children >> child;)
             if (auto reader = FindReader(child, terminal, false, depth + 1))
                 return reader;
@@ -142,14 +145,12 @@ constexpr const char* kFaketimeLibrary = "/usr/lib/x86_64-linux-gnu/faketime/lib
 
 using Clock = std::chrono::steady_clock;
 
-int MillisLeft(Clock::time_point deadline)
-{
+int MillisLeft(Clock::time_point deadline) {
     const auto left = std::chrono::duration_cast<Duration>(deadline - Clock::now()).count();
     return static_cast<int>(std::max<long>(0, left));
 }
 
-void AppendUtf8(std::string& out, uint32_t c)
-{
+void AppendUtf8(std::string& out, uint32_t c) {
     if (c < 0x80) {
         out += static_cast<char>(c);
     } else if (c < 0x800) {
@@ -167,16 +168,14 @@ void AppendUtf8(std::string& out, uint32_t c)
     }
 }
 
-std::string RightTrim(std::string text)
-{
+std::string RightTrim(std::string text) {
     while (!text.empty() && text.back() == ' ')
         text.pop_back();
     return text;
 }
 
 // "rgb:RR/GG/BB" with 1 to 4 hex digits per component.
-std::optional<Rgb> ParseColorText(std::string_view colorText)
-{
+std::optional<Rgb> ParseColorText(std::string_view colorText) {
     if (colorText.substr(0, 4) != "rgb:")
         return std::nullopt;
     colorText.remove_prefix(4);
@@ -192,7 +191,8 @@ std::optional<Rgb> ParseColorText(std::string_view colorText)
             return std::nullopt;
         const long max = (1L << (4 * digits.size())) - 1;
         parts[i] = static_cast<int>((value * 255 + max / 2) / max);
-        colorText = slash == std::string_view::npos ? std::string_view() : colorText.substr(slash + 1);
+        colorText =
+            slash == std::string_view::npos ? std::string_view() : colorText.substr(slash + 1);
     }
     return Rgb{parts[0], parts[1], parts[2]};
 }
@@ -200,8 +200,7 @@ std::optional<Rgb> ParseColorText(std::string_view colorText)
 } // namespace
 
 namespace Keys {
-std::string_view F(int n)
-{
+std::string_view F(int n) {
     static constexpr std::string_view table[] = {"\x1bOP",   "\x1bOQ",   "\x1bOR",   "\x1bOS",
                                                  "\x1b[15~", "\x1b[17~", "\x1b[18~", "\x1b[19~",
                                                  "\x1b[20~", "\x1b[21~", "\x1b[23~", "\x1b[24~"};
@@ -211,8 +210,7 @@ std::string_view F(int n)
 }
 } // namespace Keys
 
-std::ostream& operator<<(std::ostream& out, const Color& color)
-{
+std::ostream& operator<<(std::ostream& out, const Color& color) {
     switch (color.kind) {
     case Color::Kind::Default:
         out << "default";
@@ -224,11 +222,11 @@ std::ostream& operator<<(std::ostream& out, const Color& color)
         out << "direct";
         break;
     }
-    return out << " rgb(" << color.rgb.red << "," << color.rgb.green << "," << color.rgb.blue << ")";
+    return out << " rgb(" << color.rgb.red << "," << color.rgb.green << "," << color.rgb.blue
+               << ")";
 }
 
-std::ostream& operator<<(std::ostream& out, const Cell& cell)
-{
+std::ostream& operator<<(std::ostream& out, const Cell& cell) {
     out << "'" << cell.text << "' fg " << cell.fg << " bg " << cell.bg;
     if (cell.bold)
         out << " bold";
@@ -251,8 +249,7 @@ struct Console::Emulator {
     VTermScreenCallbacks callbacks{};
     VTermParserCallbacks fallbacks{};
 
-    Emulator(Console* console, int rows, int cols) : owner(console)
-    {
+    Emulator(Console* console, int rows, int cols) : owner(console) {
         vt = vterm_new(rows, cols);
         vterm_set_utf8(vt, 1);
         screen = vterm_obtain_screen(vt);
@@ -269,8 +266,7 @@ struct Console::Emulator {
     Emulator(const Emulator&) = delete;
     Emulator& operator=(const Emulator&) = delete;
 
-    static int OnTermProp(VTermProp prop, VTermValue* value, void* user)
-    {
+    static int OnTermProp(VTermProp prop, VTermValue* value, void* user) {
         auto* self = static_cast<Emulator*>(user);
         if (prop == VTERM_PROP_CURSORVISIBLE)
             self->owner->cursorVisible_ = value->boolean != 0;
@@ -280,8 +276,7 @@ struct Console::Emulator {
     }
 
     // "4;index;colorText[;index;colorText...]" redefines palette entries.
-    static int OnOsc(const char* command, size_t length, void* user)
-    {
+    static int OnOsc(const char* command, size_t length, void* user) {
         auto* self = static_cast<Emulator*>(user);
         std::vector<std::string> fields;
         std::string field;
@@ -304,18 +299,17 @@ struct Console::Emulator {
         return 1;
     }
 
-    static void OnOutput(const char* bytes, size_t length, void* user)
-    {
+    static void OnOutput(const char* bytes, size_t length, void* user) {
         auto* self = static_cast<Emulator*>(user);
         if (self->owner->master_ >= 0 && !self->owner->exit_) {
             [[maybe_unused]] auto n = write(self->owner->master_, bytes, length);
         }
     }
 
-    Color Convert(VTermColor color, bool isForeground) const
-    {
+    Color Convert(VTermColor color, bool isForeground) const {
         Color out;
-        const bool isDefault = isForeground ? VTERM_COLOR_IS_DEFAULT_FG(&color) : VTERM_COLOR_IS_DEFAULT_BG(&color);
+        const bool isDefault =
+            isForeground ? VTERM_COLOR_IS_DEFAULT_FG(&color) : VTERM_COLOR_IS_DEFAULT_BG(&color);
         if (isDefault) {
             out.kind = Color::Kind::Default;
         } else if (VTERM_COLOR_IS_INDEXED(&color)) {
@@ -334,8 +328,7 @@ struct Console::Emulator {
     }
 };
 
-ConsoleOptions LanyxOptions(const std::string& root, std::vector<std::string> args)
-{
+ConsoleOptions LanyxOptions(const std::string& root, std::vector<std::string> args) {
     ConsoleOptions options;
     options.argv.push_back(LanyxBinary());
     options.argv.insert(options.argv.end(), args.begin(), args.end());
@@ -344,8 +337,7 @@ ConsoleOptions LanyxOptions(const std::string& root, std::vector<std::string> ar
 }
 
 Console::Console(ConsoleOptions options)
-    : rows_(options.rows > 0 ? options.rows : 24), cols_(options.cols > 0 ? options.cols : 80)
-{
+    : rows_(options.rows > 0 ? options.rows : 24), cols_(options.cols > 0 ? options.cols : 80) {
     if (options.argv.empty())
         options.argv.push_back(LanyxBinary());
     command_ = JoinCommand(options.argv);
@@ -396,7 +388,8 @@ Console::Console(ConsoleOptions options)
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
-        for (int sig : {SIGPIPE, SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGWINCH, SIGUSR1, SIGUSR2, SIGCHLD})
+        for (int sig :
+             {SIGPIPE, SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGWINCH, SIGUSR1, SIGUSR2, SIGCHLD})
             signal(sig, SIG_DFL);
         execve(argv[0], argv.data(), envp.data());
         const std::string msg = "exec " + std::string(argv[0]) + ": " + strerror(errno) + "\r\n";
@@ -411,8 +404,7 @@ Console::Console(ConsoleOptions options)
     }
 }
 
-Console::~Console()
-{
+Console::~Console() {
     if (!exit_ && pid_ > 0) {
         kill(-pid_, SIGKILL);
         kill(pid_, SIGKILL);
@@ -426,8 +418,7 @@ Console::~Console()
         close(master_);
 }
 
-void Console::Send(std::string_view bytes)
-{
+void Console::Send(std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t n = write(master_, bytes.data(), bytes.size());
         if (n > 0) {
@@ -442,16 +433,17 @@ void Console::Send(std::string_view bytes)
     }
 }
 
-::testing::AssertionResult Console::WaitUntilReading(Duration timeout)
-{
+::testing::AssertionResult Console::WaitUntilReading(Duration timeout) {
     const auto deadline = Clock::now() + timeout;
     for (;;) {
         Pump();
         if (exit_)
-            return ::testing::AssertionFailure() << "the process ended instead of reading\n" << Describe();
+            return ::testing::AssertionFailure() << "the process ended instead of reading\n"
+                                                 << Describe();
         const auto before = FindReader(pid_, terminal_, true);
         // A reader still blocked as it was when a key or signal went out has not had it yet: the
-        // terminal hands input over a little later. A line-buffered reader wakes only at the line's end.
+        // terminal hands input over a little later. A line-buffered reader wakes only at the line's
+        // end.
         if (before && (!wakeFrom_ || before != wakeFrom_ || (Modes().c_lflag & ICANON))) {
             // Output written just before the block reaches this side a little later.
             const size_t received = received_;
@@ -462,14 +454,14 @@ void Console::Send(std::string_view bytes)
             }
         }
         if (Clock::now() >= deadline)
-            return ::testing::AssertionFailure() << "no read of the terminal within " << timeout.count() << " ms\n"
-                                                 << Describe();
+            return ::testing::AssertionFailure()
+                   << "no read of the terminal within " << timeout.count() << " ms\n"
+                   << Describe();
         Pump(Duration(2));
     }
 }
 
-bool Console::SendKey(std::string_view key)
-{
+bool Console::SendKey(std::string_view key) {
     if (auto reading = WaitUntilReading(); !reading) {
         std::string shown;
         for (const unsigned char c : key) {
@@ -485,24 +477,21 @@ bool Console::SendKey(std::string_view key)
     return true;
 }
 
-bool Console::Type(std::string_view text)
-{
+bool Console::Type(std::string_view text) {
     for (size_t i = 0; i < text.size(); ++i)
         if (!SendKey(text.substr(i, 1)))
             return false;
     return true;
 }
 
-void Console::Signal(int sig)
-{
+void Console::Signal(int sig) {
     if (exit_)
         return;
     wakeFrom_ = FindReader(pid_, terminal_, true);
     kill(pid_, sig);
 }
 
-void Console::Resize(int rows, int cols)
-{
+void Console::Resize(int rows, int cols) {
     rows_ = rows;
     cols_ = cols;
     vterm_set_size(vt_->vt, rows, cols);
@@ -515,8 +504,7 @@ void Console::Resize(int rows, int cols)
 // The emulator repeats one character too many for "CSI n b" (repeat the preceding character),
 // which curses uses for long runs such as box lines; such a run ending in the last column then
 // scrolls the whole screen. The harness expands the repeat itself.
-void Console::Feed(const char* bytes, size_t length)
-{
+void Console::Feed(const char* bytes, size_t length) {
     received_ += length;
     transcript_.append(bytes, length);
     std::string data = std::move(pendingEscape_);
@@ -561,8 +549,7 @@ void Console::Feed(const char* bytes, size_t length)
     vterm_input_write(vt_->vt, out.data(), out.size());
 }
 
-void Console::Pump(Duration wait)
-{
+void Console::Pump(Duration wait) {
     const auto deadline = Clock::now() + wait;
     bool first = true;
     for (;;) {
@@ -582,8 +569,7 @@ void Console::Pump(Duration wait)
     Reap();
 }
 
-void Console::Reap()
-{
+void Console::Reap() {
     if (exit_ || pid_ <= 0)
         return;
     int status = 0;
@@ -595,8 +581,7 @@ void Console::Reap()
 
 // The kernel hands written bytes to the reading side a little later; after the end, read until
 // the terminal has been quiet for a moment.
-void Console::Drain()
-{
+void Console::Drain() {
     for (;;) {
         pollfd pfd{master_, POLLIN, 0};
         if (poll(&pfd, 1, 50) <= 0 || !(pfd.revents & POLLIN))
@@ -609,23 +594,20 @@ void Console::Drain()
     }
 }
 
-bool Console::Running()
-{
+bool Console::Running() {
     Pump();
     return !exit_;
 }
 
-::testing::AssertionResult Console::WaitFor(const std::function<bool()>& condition, Duration timeout,
-                                            std::string_view what)
-{
+::testing::AssertionResult Console::WaitFor(const std::function<bool()>& condition,
+                                            Duration timeout, std::string_view what) {
     return Await(condition, timeout, what, false);
 }
 
 // Wakes on output, and in any case soon, since the condition may look at files. A wait for the
 // screen alone ends with the process once its output is drained.
 ::testing::AssertionResult Console::Await(const std::function<bool()>& condition, Duration timeout,
-                                          std::string_view what, bool screenOnly)
-{
+                                          std::string_view what, bool screenOnly) {
     const auto deadline = Clock::now() + timeout;
     for (;;) {
         Pump();
@@ -635,33 +617,34 @@ bool Console::Running()
             break;
         Pump(Duration(std::min(20, MillisLeft(deadline))));
     }
-    return ::testing::AssertionFailure() << what << (exit_ ? " not met before the process ended" : " not met within " +
-                                                     std::to_string(timeout.count()) + " ms")
-                                         << "\n" << Describe();
+    return ::testing::AssertionFailure()
+           << what
+           << (exit_ ? " not met before the process ended"
+                     : " not met within " + std::to_string(timeout.count()) + " ms")
+           << "\n"
+           << Describe();
 }
 
-::testing::AssertionResult Console::WaitForText(std::string_view text, Duration timeout)
-{
-    return Await([&] { return Find(text).has_value(); }, timeout, "\"" + std::string(text) + "\" shown", true);
+::testing::AssertionResult Console::WaitForText(std::string_view text, Duration timeout) {
+    return Await([&] { return Find(text).has_value(); }, timeout,
+                 "\"" + std::string(text) + "\" shown", true);
 }
 
-::testing::AssertionResult Console::WaitForFullScreen(std::string_view text, std::string_view absent,
-                                                      Duration timeout)
-{
+::testing::AssertionResult Console::WaitForFullScreen(std::string_view text,
+                                                      std::string_view absent, Duration timeout) {
     return Await(
         [&] {
-            return CellAt(rows_ - 1, cols_ - 1).text == "┘" && Find(text) && (absent.empty() || !Find(absent));
+            return CellAt(rows_ - 1, cols_ - 1).text == "┘" && Find(text) &&
+                   (absent.empty() || !Find(absent));
         },
         timeout, "the whole screen with \"" + std::string(text) + "\"", true);
 }
 
-::testing::AssertionResult Console::WaitForTextGone(std::string_view text, Duration timeout)
-{
+::testing::AssertionResult Console::WaitForTextGone(std::string_view text, Duration timeout) {
     return Await([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone", true);
 }
 
-std::optional<ExitInfo> Console::WaitForExit(Duration timeout)
-{
+std::optional<ExitInfo> Console::WaitForExit(Duration timeout) {
     const auto deadline = Clock::now() + timeout;
     for (;;) {
         Pump();
@@ -671,20 +654,20 @@ std::optional<ExitInfo> Console::WaitForExit(Duration timeout)
     }
 }
 
-::testing::AssertionResult Console::ExitsWith(int code, Duration timeout)
-{
+::testing::AssertionResult Console::ExitsWith(int code, Duration timeout) {
     const auto info = WaitForExit(timeout);
     if (!info)
-        return ::testing::AssertionFailure() << "process still running after " << timeout.count() << " ms\n"
-                                             << Describe();
+        return ::testing::AssertionFailure()
+               << "process still running after " << timeout.count() << " ms\n"
+               << Describe();
     if (info->Exited() && info->Code() == code)
         return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "expected exit status " << code << ", " << info->Describe() << "\n"
-                                         << Describe();
+    return ::testing::AssertionFailure()
+           << "expected exit status " << code << ", " << info->Describe() << "\n"
+           << Describe();
 }
 
-Cell Console::CellAt(int row, int col) const
-{
+Cell Console::CellAt(int row, int col) const {
     Cell cell;
     VTermScreenCell raw{};
     if (row < 0 || col < 0 || row >= rows_ || col >= cols_ ||
@@ -708,24 +691,27 @@ Cell Console::CellAt(int row, int col) const
     return cell;
 }
 
-std::string Console::Text(int row, int col, int length) const { return RightTrim(Cells(row, col, length)); }
+std::string Console::Text(int row, int col, int length) const {
+    return RightTrim(Cells(row, col, length));
+}
 
-std::string Console::Cells(int row, int col, int length) const
-{
+std::string Console::Cells(int row, int col, int length) const {
     std::string text;
     for (int c = col; c < col + length && c < cols_; ++c) {
         VTermScreenCell raw{};
-        if (vterm_screen_get_cell(vt_->screen, VTermPos{row, c}, &raw) && raw.chars[0] == static_cast<uint32_t>(-1))
+        if (vterm_screen_get_cell(vt_->screen, VTermPos{row, c}, &raw) &&
+            raw.chars[0] == static_cast<uint32_t>(-1))
             continue; // right half of a wide character
         text += CellAt(row, c).text;
     }
     return text;
 }
 
-std::string Console::Row(int row) const { return Text(row, 0, cols_); }
+std::string Console::Row(int row) const {
+    return Text(row, 0, cols_);
+}
 
-std::string Console::ScreenText() const
-{
+std::string Console::ScreenText() const {
     std::string text;
     for (int r = 0; r < rows_; ++r) {
         if (r)
@@ -735,8 +721,7 @@ std::string Console::ScreenText() const
     return text;
 }
 
-std::optional<std::pair<int, int>> Console::Find(std::string_view text) const
-{
+std::optional<std::pair<int, int>> Console::Find(std::string_view text) const {
     for (int r = 0; r < rows_; ++r) {
         // Column positions count cells, so search cell by cell.
         std::vector<std::pair<size_t, int>> starts; // byte offset -> column
@@ -757,25 +742,23 @@ std::optional<std::pair<int, int>> Console::Find(std::string_view text) const
     return std::nullopt;
 }
 
-std::optional<Rgb> Console::Redefined(int index) const
-{
+std::optional<Rgb> Console::Redefined(int index) const {
     if (auto it = vt_->palette.find(index); it != vt_->palette.end())
         return it->second;
     return std::nullopt;
 }
 
-termios Console::Modes() const
-{
+termios Console::Modes() const {
     termios modes{};
     tcgetattr(slave_ >= 0 ? slave_ : master_, &modes);
     return modes;
 }
 
-std::string Console::Describe() const
-{
+std::string Console::Describe() const {
     std::ostringstream out;
     out << "command: " << command_ << "\n";
-    out << "process: " << (exit_ ? exit_->Describe() : "running, pid " + std::to_string(pid_)) << "\n";
+    out << "process: " << (exit_ ? exit_->Describe() : "running, pid " + std::to_string(pid_))
+        << "\n";
     out << "screen (" << cols_ << "x" << rows_ << "):\n";
     out << "+" << std::string(static_cast<size_t>(cols_), '-') << "+\n";
     for (int r = 0; r < rows_; ++r) {

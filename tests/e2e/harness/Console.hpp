@@ -71,11 +71,11 @@ std::ostream& operator<<(std::ostream& out, const Color& color);
 std::ostream& operator<<(std::ostream& out, const Cell& cell);
 
 struct ConsoleOptions {
-    std::vector<std::string> argv;  // argv[0] is the program path; empty: the built lanyx
-    std::string hostRoot;           // LANYX_HOST_ROOT; left unset when empty
+    std::vector<std::string> argv;       // argv[0] is the program path; empty: the built lanyx
+    std::string hostRoot;                // LANYX_HOST_ROOT; left unset when empty
     std::string term = "xterm-256color"; // TERM; left unset when empty
-    int rows = 25, cols = 80;       // 0 x 0 gives a terminal that reports no size
-    std::string faketime;           // e.g. "+0 x100": run under libfaketime with this FAKETIME
+    int rows = 25, cols = 80;            // 0 x 0 gives a terminal that reports no size
+    std::string faketime;                // e.g. "+0 x100": run under libfaketime with this FAKETIME
     std::vector<std::pair<std::string, std::string>> env; // further variables
 };
 
@@ -116,14 +116,14 @@ public:
     ::testing::AssertionResult WaitForText(std::string_view text, Duration timeout = 10s);
     // Waits until a whole screen stands with `text` on it (and `absent` gone, when given): curses
     // draws the bottom-right corner of a full-screen box with the refresh that ends the screen.
-    ::testing::AssertionResult WaitForFullScreen(std::string_view text, std::string_view absent = {},
-                                                 Duration timeout = 10s);
+    ::testing::AssertionResult
+    WaitForFullScreen(std::string_view text, std::string_view absent = {}, Duration timeout = 10s);
     // Waits until `text` has gone from the screen.
     ::testing::AssertionResult WaitForTextGone(std::string_view text, Duration timeout = 10s);
     // Waits until `condition` holds while pumping output; runs to the deadline even after the
     // process has ended (the condition may look at files).
-    ::testing::AssertionResult WaitFor(const std::function<bool()>& condition, Duration timeout = 10s,
-                                       std::string_view what = "condition");
+    ::testing::AssertionResult WaitFor(const std::function<bool()>& condition,
+                                       Duration timeout = 10s, std::string_view what = "condition");
 
     // Waits for the process to end while draining its output. nullopt at the deadline.
     std::optional<ExitInfo> WaitForExit(Duration timeout = 10s);
@@ -158,8 +158,8 @@ public:
 private:
     struct Emulator;
     std::string Cells(int row, int col, int length) const; // untrimmed
-    ::testing::AssertionResult Await(const std::function<bool()>& condition, Duration timeout, std::string_view what,
-                                     bool screenOnly);
+    ::testing::AssertionResult Await(const std::function<bool()>& condition, Duration timeout,
+                                     std::string_view what, bool screenOnly);
     void Reap();
     void Drain();
     void Feed(const char* bytes, size_t length);
@@ -178,7 +178,8 @@ private:
     std::string command_;
     std::string terminal_; // the path of the program's side of the terminal
     size_t received_ = 0;  // bytes of output taken so far
-    std::optional<std::pair<pid_t, std::string>> wakeFrom_; // the reader as a key or signal found it
+    std::optional<std::pair<pid_t, std::string>>
+        wakeFrom_; // the reader as a key or signal found it
 };
 
 } // namespace LanyxE2E

@@ -3,13 +3,11 @@
 namespace LanyxE2E {
 
 Session::Session(const std::string& profile, SessionOptions options)
-    : host_(std::make_unique<HostRoot>(profile))
-{
+    : host_(std::make_unique<HostRoot>(profile)) {
     Restart(std::move(options));
 }
 
-void Session::Restart(SessionOptions options)
-{
+void Session::Restart(SessionOptions options) {
     console_.reset();
     for (const auto& [name, value] : options.settings)
         host_->Set(name, value);
@@ -28,15 +26,13 @@ void Session::Restart(SessionOptions options)
     console_ = std::make_unique<Console>(start);
 }
 
-::testing::AssertionResult Session::AwaitWelcome()
-{
+::testing::AssertionResult Session::AwaitWelcome() {
     if (auto shown = console_->WaitForFullScreen(kWelcomeReady, "Authentication"); !shown)
         return shown;
     return Settle();
 }
 
-::testing::AssertionResult Session::OpenLogin()
-{
+::testing::AssertionResult Session::OpenLogin() {
     if (!Key(Keys::F(2)))
         return ::testing::AssertionFailure() << "F2 not sent";
     if (auto shown = console_->WaitForText("Authentication Required"); !shown)
@@ -44,8 +40,7 @@ void Session::Restart(SessionOptions options)
     return Settle();
 }
 
-::testing::AssertionResult Session::LogIn(const std::string& user, const std::string& password)
-{
+::testing::AssertionResult Session::LogIn(const std::string& user, const std::string& password) {
     if (auto box = OpenLogin(); !box)
         return box;
     // The name line is selected with its default selected whole: typing replaces it.
@@ -56,14 +51,12 @@ void Session::Restart(SessionOptions options)
     return Settle();
 }
 
-std::string Session::RightTitle() const
-{
+std::string Session::RightTitle() const {
     const int column = console_->Cols() / 2 + 2;
     return console_->Text(1, column, console_->Cols() - column - 4);
 }
 
-::testing::AssertionResult Session::SelectEntry(const std::string& title)
-{
+::testing::AssertionResult Session::SelectEntry(const std::string& title) {
     if (auto settled = Settle(); !settled)
         return settled;
     for (std::string_view key : {Keys::Down, Keys::Up}) {
@@ -79,11 +72,11 @@ std::string Session::RightTitle() const
                 break; // the end of the list in this direction
         }
     }
-    return ::testing::AssertionFailure() << "no entry \"" << title << "\" in the menu\n" << console_->Describe();
+    return ::testing::AssertionFailure() << "no entry \"" << title << "\" in the menu\n"
+                                         << console_->Describe();
 }
 
-::testing::AssertionResult Session::OpenEntry(const std::string& title)
-{
+::testing::AssertionResult Session::OpenEntry(const std::string& title) {
     if (auto selected = SelectEntry(title); !selected)
         return selected;
     if (!Key(Keys::Enter))

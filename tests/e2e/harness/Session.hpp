@@ -27,17 +27,19 @@ namespace LanyxE2E {
 inline constexpr const char* kRootPassword = "lanyx-Root1";
 inline constexpr const char* kWelcomeReady = "To manage this host, go to:";
 
-inline std::string Trimmed(std::string text) { return text.erase(text.find_last_not_of(' ') + 1); }
+inline std::string Trimmed(std::string text) {
+    return text.erase(text.find_last_not_of(' ') + 1);
+}
 
 struct SessionOptions {
     std::vector<std::pair<std::string, std::string>> settings{}; // `hostsim set` before the start
-    std::vector<std::vector<std::string>> faults{};           // `hostsim fault` before the start
-    std::function<void(HostRoot&)> prepare{};                  // anything else before the start
+    std::vector<std::vector<std::string>> faults{};              // `hostsim fault` before the start
+    std::function<void(HostRoot&)> prepare{};                    // anything else before the start
     std::string term = "xterm-256color";
     int rows = 25, cols = 80;
-    std::string faketime{};        // accelerated clock, e.g. "+0 x100"; such tests run serially
+    std::string faketime{};          // accelerated clock, e.g. "+0 x100"; such tests run serially
     std::vector<std::string> args{}; // the console's arguments
-    bool keyTestFrame = false;     // the bare key test frame in place of the welcome screen
+    bool keyTestFrame = false;       // the bare key test frame in place of the welcome screen
 };
 
 class Session {
@@ -55,8 +57,7 @@ public:
     // Waits until the console reads keys again, its screen complete.
     ::testing::AssertionResult Settle() { return console_->WaitUntilReading(); }
     // The keys in turn, then Settle.
-    ::testing::AssertionResult Press(std::initializer_list<std::string_view> keys)
-    {
+    ::testing::AssertionResult Press(std::initializer_list<std::string_view> keys) {
         for (std::string_view key : keys)
             if (!Key(key))
                 return ::testing::AssertionFailure() << "a key was not sent";
@@ -68,7 +69,8 @@ public:
     // F2 on the welcome screen: the login box, ready for keys.
     ::testing::AssertionResult OpenLogin();
     // From the welcome screen through the login box into the System Customization menu.
-    ::testing::AssertionResult LogIn(const std::string& user = "root", const std::string& password = kRootPassword);
+    ::testing::AssertionResult LogIn(const std::string& user = "root",
+                                     const std::string& password = kRootPassword);
     // In a menu: moves the selection (Down, then Up) to the entry whose right pane has `title`.
     ::testing::AssertionResult SelectEntry(const std::string& title);
     // SelectEntry and Enter.

@@ -13,8 +13,7 @@
 
 namespace {
 
-void Show(int row, const char* text)
-{
+void Show(int row, const char* text) {
     move(row, 0);
     clrtoeol();
     mvaddstr(row, 0, text);
@@ -23,8 +22,7 @@ void Show(int row, const char* text)
 
 } // namespace
 
-int main()
-{
+int main() {
     initscr();
     cbreak();
     noecho();
@@ -70,7 +68,8 @@ int main()
             gettimeofday(&before, nullptr);
             poll(nullptr, 0, 60000);
             gettimeofday(&after, nullptr);
-            std::snprintf(line, sizeof line, "slept %ld", static_cast<long>(after.tv_sec - before.tv_sec));
+            std::snprintf(line, sizeof line, "slept %ld",
+                          static_cast<long>(after.tv_sec - before.tv_sec));
             Show(5, line);
         }
         if (key == 'f') {

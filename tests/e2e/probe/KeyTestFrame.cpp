@@ -21,8 +21,7 @@ constexpr int textColumn = 2, keyRow = 3, reloadRow = 5, sessionRow = 7;
 
 class KeyTestFrame : public Frame {
 public:
-    KeyTestFrame() : Frame(nullptr, 0, 0, COLS, LINES, ColorBlack, ColorWhite)
-    {
+    KeyTestFrame() : Frame(nullptr, 0, 0, COLS, LINES, ColorBlack, ColorWhite) {
         if (handle) {
             werase(handle.get());
             box(handle.get(), 0, 0);
@@ -31,8 +30,7 @@ public:
         Show(keyRow, "Last key: none");
     }
 
-    bool Execute() override
-    {
+    bool Execute() override {
         Update();
         for (;;) {
             const int key = ReadAndShow(false);
@@ -45,15 +43,13 @@ public:
 
 private:
     // Wide enough to blank out any earlier text of the row.
-    void Show(int row, std::string text)
-    {
+    void Show(int row, std::string text) {
         text.resize(24, ' ');
         Print(textColumn, row, text);
         Update();
     }
 
-    int ReadAndShow(bool enforceIdleLimit)
-    {
+    int ReadAndShow(bool enforceIdleLimit) {
         const int key = ReadKey(enforceIdleLimit);
         Show(keyRow, "Last key: " + std::to_string(key));
         if (key == Keys::F10)
@@ -61,8 +57,7 @@ private:
         return key;
     }
 
-    void RunSession()
-    {
+    void RunSession() {
         SetSessionActive(true);
         Show(sessionRow, "Session active");
         try {
@@ -84,8 +79,7 @@ private:
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     SetStringFactorySource(&GetStringFactory);
     return RunConsole(argc, argv, [] { return std::make_unique<KeyTestFrame>(); });
 }
