@@ -17,22 +17,7 @@ ApplyChangesDialog::ApplyChangesDialog(Frame* owner, bool rebootNeeded)
 }
 
 bool ApplyChangesDialog::Execute() {
-    for (;;) {
-        switch (ReadKey(true)) {
-        case 'y':
-        case 'Y':
-            apply = true;
-            return true;
-        case 'n':
-        case 'N':
-            apply = false;
-            return true;
-        case Keys::Escape:
-            return false;
-        default:
-            break;
-        }
-    }
+    return AwaitYesNo(apply);
 }
 
 } // namespace Lanyx

@@ -28,21 +28,7 @@ bool HwportInUseDialog::Execute() {
                ".\nDo you wish to detach the uplink and attach it to the newly created standard "
                "switch?");
     SetFooter(Footers::kYesNoCancel);
-    for (;;) {
-        switch (ReadKey(true)) {
-        case 'y':
-        case 'Y':
-            detach = true;
-            return true;
-        case 'n':
-        case 'N':
-            return true;
-        case Keys::Escape:
-            return false;
-        default:
-            break;
-        }
-    }
+    return AwaitYesNo(detach);
 }
 
 } // namespace Lanyx

@@ -11,13 +11,7 @@ bool NoUplinksDialog::Execute() {
     SetTitle(CatalogueText(Ids::NoFabricUplinksTitle));
     SetMessage(CatalogueText(Ids::NoFabricUplinks));
     SetFooter(Footers::kOk);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Enter)
-            return true;
-        if (key == Keys::Escape)
-            return false;
-    }
+    return AwaitAnswer(Keys::Enter);
 }
 
 } // namespace Lanyx

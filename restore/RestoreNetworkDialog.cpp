@@ -26,13 +26,8 @@ bool RestoreNetworkDialog::Execute() {
     SetMessage(CatalogueText(Ids::RestoreNetworkConfirmMessage));
     question->SetText(CatalogueText(Ids::RestoreNetworkQuestion));
     SetFooter(kFooter);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Escape)
-            return false;
-        if (key == Keys::F11)
-            break;
-    }
+    if (!AwaitAnswer(Keys::F11))
+        return false;
     // The records follow whatever the progress dialog made of it, a refusal at the warning too.
     DoRestoreNetworkDialog(this).RunModal();
     Log(LOG_INFO, "Restoring factory network settings");

@@ -11,13 +11,7 @@ bool RunningVMsWarningDialog::Execute() {
     SetTitle(CatalogueText(Ids::GuestsRunningTitle));
     SetMessage(CatalogueText(Ids::GuestsRunning));
     SetFooter(Footers::kConfirmCancel);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Enter)
-            return true;
-        if (key == Keys::Escape)
-            return false;
-    }
+    return AwaitAnswer(Keys::Enter);
 }
 
 } // namespace Lanyx

@@ -17,13 +17,8 @@ bool SafeModeNetworkDialog::Execute() {
     SetMessage(CatalogueText(Ids::RestoreSwitchMessage));
     question->SetText(CatalogueText(Ids::RestoreSwitchQuestion));
     SetFooter(Footers::kF11OkCancel);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Escape)
-            return false;
-        if (key == Keys::F11)
-            break;
-    }
+    if (!AwaitAnswer(Keys::F11))
+        return false;
     MoveToStandardSwitch();
     Log(LOG_INFO, "Enabling safe mode networking by moving all uplinks to a new management xbar");
     return true;

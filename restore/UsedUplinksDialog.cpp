@@ -15,13 +15,7 @@ bool UsedUplinksDialog::Execute() {
     SetMessage(CatalogueText(Ids::NoUplinksSelected));
     question->SetText(CatalogueText(Ids::ContinueQuestion));
     SetFooter(Footers::kOkCancel);
-    for (;;) {
-        const int key = ReadKey(true);
-        if (key == Keys::Enter)
-            return true;
-        if (key == Keys::Escape)
-            return false;
-    }
+    return AwaitAnswer(Keys::Enter);
 }
 
 } // namespace Lanyx

@@ -58,4 +58,16 @@ bool Dialog::AwaitAnswer(int acceptKey) {
     }
 }
 
+bool Dialog::AwaitYesNo(bool& yes) {
+    for (;;) {
+        const int key = ReadKey(true);
+        if (key == 'y' || key == 'Y' || key == 'n' || key == 'N') {
+            yes = key == 'y' || key == 'Y';
+            return true;
+        }
+        if (key == Keys::Escape)
+            return false;
+    }
+}
+
 } // namespace Lanyx

@@ -22,6 +22,8 @@ public:
 
     // Reads keys until `acceptKey` (true) or Escape (false); every other key does nothing.
     bool AwaitAnswer(int acceptKey);
+    // Reads keys until Y or N (either case; `yes` tells which, true returned) or Escape (false).
+    bool AwaitYesNo(bool& yes);
 
     Window* GetTitlePane() const { return titlePane; }
     Window* GetBodyPane() const { return bodyPane; }

@@ -131,7 +131,7 @@ void FabricMisconfigured(json& state) {
         {"shapingIn",
          {{"enabled", true}, {"average", 100000}, {"peak", 200000}, {"burst", 102400}}},
         {"shapingOut", {{"enabled", false}, {"average", 0}, {"peak", 0}, {"burst", 0}}},
-        {"persistencePath", "/vmfs/volumes/datastore1/.fabric/port-12"},
+        {"persistencePath", "/volumes/store1/.fabric/port-12"},
         {"vendorStrings", {{"16", {{"com.zephora.port.owner", "mgmt"}}}}},
         {"vendorBinary", {{"16", {{"com.zephora.port.blob", {1, 2, 3}}}}}},
         {"overlayParams", json::array({{{"name", "segment"}, {"data", {7, 0}}}})},

@@ -211,18 +211,18 @@ TEST_F(ApplyWalk, StagesInOrderWithTheirConditionsAndFailures) {
         {"dotted host name, unspecified primary dropped",
          "default",
          [](PendingConfiguration& p) {
-             p.hostname = "esx7.corp.test";
+             p.hostname = "node7.corp.test";
              p.primaryDns = std::make_unique<KN::Ipv4Address>("0.0.0.0");
              p.alternateDns = std::make_unique<KN::Ipv6Address>("2001:db8::53");
              p.suffixes = "";
          },
          {},
          Lines({kAdapters,
-                {"Setting ipv6 configuration", "Setting hostname to esx7.corp.test",
+                {"Setting ipv6 configuration", "Setting hostname to node7.corp.test",
                  "Setting nameservers to 0.0.0.0 2001:db8::53", "Setting suffixes to "}}),
          {},
          [](const json& s) {
-             EXPECT_EQ(s["host"]["hostname"], "esx7");
+             EXPECT_EQ(s["host"]["hostname"], "node7");
              EXPECT_EQ(s["host"]["domain"], "corp.test");
              EXPECT_EQ(s["network"]["dns"]["servers"], json({"2001:db8::53"}));
              EXPECT_EQ(s["network"]["dns"]["searchDomains"], json({"corp.test"}));
