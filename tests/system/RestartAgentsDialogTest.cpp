@@ -128,13 +128,15 @@ TEST_F(RestartAgentsDialogTest, RestartWithAndWithoutTheLiveCore) {
                 << c.threadLine;
             // The live core itself is not waited for here: under load its trace run has been seen
             // not to arrive at all, a fault still open; the failing trace's records are checked.
-            if (!c.alert)
+            if (!c.alert) {
                 EXPECT_TRUE(Eventually([&] { return ToolRuns("tesseltrace") == c.traces; }));
+            }
         } else {
             EXPECT_EQ(Count(Record::Syslog, "tesseltrace"), 0u);
         }
-        if (!c.alert)
+        if (!c.alert) {
             EXPECT_TRUE(State()["systemAlerts"].empty());
+        }
     }
 }
 
