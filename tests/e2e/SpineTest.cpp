@@ -61,11 +61,10 @@ TEST(Spine, StartIsLoggedAndThePaletteRedefined) {
     EXPECT_TRUE(s.Host().WaitForLine(Record::Syslog, Tag(s.Screen(), "info") + "Starting LANYX"));
     // Logging is up before the first debug-level message could pass the mask.
     EXPECT_TRUE(s.Host().Matching(Record::Syslog, ".debug LANYX[").empty());
-    const std::pair<int, Rgb> palette[] = {{1, {255, 0, 0}},
-                                           {2, {170, 170, 170}},
-                                           {3, {255, 204, 0}},
-                                           {6, {85, 85, 85}},
-                                           {7, {255, 255, 255}}};
+    // clang-format off
+    const std::pair<int, Rgb> palette[] = {
+        {1, {255, 0, 0}}, {2, {170, 170, 170}}, {3, {255, 204, 0}}, {6, {85, 85, 85}}, {7, {255, 255, 255}}};
+    // clang-format on
     for (const auto& [index, rgb] : palette)
         EXPECT_EQ(s.Screen().Redefined(index), rgb) << "colour " << index;
     // Black, and colours the console does not use, stay as the terminal has them.
@@ -77,40 +76,16 @@ TEST(Spine, StartIsLoggedAndThePaletteRedefined) {
 
 TEST(Spine, KeysArriveThroughTheEscapeTable) {
     Session s("default", KeyFrame());
-    const std::pair<std::string_view, int> keys[] = {{"\x1bOY", 276},
-                                                     {"\x7f", 263},
-                                                     {"\x1b[A", 259},
-                                                     {"\x1b"
-                                                      "1",
-                                                      265},
-                                                     {"\x1b@", 276},
-                                                     {"\x1b!", 275},
-                                                     {"\x1b[11~", 265},
-                                                     {"\x1b[24~", 276},
-                                                     {"\x1b[M", 265},
-                                                     {"\x1b[X", 276},
-                                                     {"\x1bOP", 265},
-                                                     {"\x1bOW", 272},
-                                                     {"\x1bOB", 258},
-                                                     {"\x1b[D", 260},
-                                                     {"\x1bh", 262},
-                                                     {"\x1bk", 360},
-                                                     {"\x1b+", 331},
-                                                     {"\x1b-", 330},
-                                                     {"\x1b?", 339},
-                                                     {"\x1b/", 338},
-                                                     {"\x1b[2~", 331},
-                                                     {"\x1b[3~", 330},
-                                                     {"\x1b[1~", 262},
-                                                     {"\x1b[4~", 360},
-                                                     {"\x1b[5~", 339},
-                                                     {"\x1b[6~", 338},
-                                                     {Keys::F(11), 275},
-                                                     {Keys::Up, 259},
-                                                     {Keys::Enter, 10},
-                                                     {Keys::Tab, 9},
-                                                     {"\x08", 8},
-                                                     {Keys::Escape, 27}};
+    // clang-format off
+    const std::pair<std::string_view, int> keys[] = {
+        {"\x1bOY", 276}, {"\x7f", 263}, {"\x1b[A", 259}, {"\x1b" "1", 265}, {"\x1b@", 276},
+        {"\x1b!", 275}, {"\x1b[11~", 265}, {"\x1b[24~", 276}, {"\x1b[M", 265}, {"\x1b[X", 276},
+        {"\x1bOP", 265}, {"\x1bOW", 272}, {"\x1bOB", 258}, {"\x1b[D", 260}, {"\x1bh", 262},
+        {"\x1bk", 360}, {"\x1b+", 331}, {"\x1b-", 330}, {"\x1b?", 339}, {"\x1b/", 338},
+        {"\x1b[2~", 331}, {"\x1b[3~", 330}, {"\x1b[1~", 262}, {"\x1b[4~", 360}, {"\x1b[5~", 339},
+        {"\x1b[6~", 338}, {Keys::F(11), 275}, {Keys::Up, 259}, {Keys::Enter, 10}, {Keys::Tab, 9},
+        {"\x08", 8}, {Keys::Escape, 27}};
+    // clang-format on
     for (const auto& [bytes, code] : keys) {
         SCOPED_TRACE("key " + std::to_string(code));
         // A plain key in between, so that each key's own code has to appear.

@@ -93,7 +93,7 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand) {
         if (c.force) {
             ASSERT_TRUE(Press(" ", kForceOn));
         }
-        console->Pump(200ms);
+        ASSERT_TRUE(session->Settle());
         EXPECT_TRUE(root->Matching(Record::Syslog, c.logLine).empty()) << "Enter ran nothing";
 
         ASSERT_TRUE(session->Key(c.key));
@@ -121,7 +121,7 @@ TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand) {
         // The host goes down around the console: no key leads anywhere.
         for (std::string_view key : {Keys::Escape, Keys::Enter, Keys::F(2), Keys::F(11)})
             ASSERT_TRUE(session->Key(key));
-        console->Pump(500ms);
+        ASSERT_TRUE(session->Settle());
         EXPECT_TRUE(console->Find(c.message)) << console->Describe();
         EXPECT_EQ(State()["power"]["history"].size(), 1u);
         EXPECT_TRUE(console->Running());
@@ -190,7 +190,7 @@ TEST_F(SystemOps, AbsentPowerCommandStillEndsInTheEndlessWait) {
     ASSERT_TRUE(console->WaitFor([&] { return root->ToolRuns("haltGuests").size() == 1u; }, 10s,
                                  "the guests halted"));
     ASSERT_TRUE(session->Key(Keys::Escape));
-    console->Pump(500ms);
+    ASSERT_TRUE(session->Settle());
     EXPECT_TRUE(console->Find("Shutdown in progress...")) << console->Describe();
     EXPECT_EQ(State()["power"].value("state", ""), "on");
 }
@@ -227,62 +227,21 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain) {
         std::vector<std::string> lockdownRuns;
     };
     const std::string enterRun = "-U lanyx helmsvc/auth/lockdown_mode_enter";
+    const std::string failed = "]: Enabling lockdown mode failed with error: ";
+    // clang-format off
     const std::vector<Case> cases = {
-        {"enable",
-         false,
-         {},
-         {},
-         false,
-         {" ", Keys::Enter},
-         true,
-         true,
-         "]: Lockdown mode enabled",
-         {enterRun}},
-        {"disable",
-         true,
-         {},
-         {},
-         true,
-         {" ", Keys::Enter},
-         false,
-         false,
-         "]: Lockdown mode disabled",
+        {"enable", false, {}, {}, false, {" ", Keys::Enter}, true, true, "]: Lockdown mode enabled", {enterRun}},
+        {"disable", true, {}, {}, true, {" ", Keys::Enter}, false, false, "]: Lockdown mode disabled",
          {"-U lanyx helmsvc/auth/lockdown_mode_exit"}},
-        {"no change",
-         false,
-         {},
-         {},
-         false,
-         {Keys::Down, Keys::Up, Keys::Enter},
-         false,
-         false,
-         "",
-         {}},
+        {"no change", false, {}, {}, false, {Keys::Down, Keys::Up, Keys::Enter}, false, false, "", {}},
         {"escape", false, {}, {}, false, {" ", Keys::Escape}, false, false, "", {}},
-        {"refused by the agent",
-         false,
-         {"lockdown-possible", "false"},
-         {},
-         false,
-         {" ", Keys::Enter},
-         false,
-         false,
-         "]: Enabling lockdown mode failed with error: helmq: lockdown mode is not possible on "
-         "this host",
-         {}},
+        {"refused by the agent", false, {"lockdown-possible", "false"}, {}, false, {" ", Keys::Enter},
+         false, false, failed + "helmq: lockdown mode is not possible on this host", {}},
         // The query fails too: the box opens unticked although the mode is on, and the menu's
         // query after it says "Disabled" for a host that still has it.
-        {"helmq absent",
-         true,
-         {},
-         {"tool", "helmq", "absent"},
-         false,
-         {" ", Keys::Enter},
-         false,
-         true,
-         "]: Enabling lockdown mode failed with error: ",
-         {}},
+        {"helmq absent", true, {}, {"tool", "helmq", "absent"}, false, {" ", Keys::Enter}, false, true, failed, {}},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Console* console = Start();
@@ -338,7 +297,7 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter) {
     ASSERT_TRUE(Press(Keys::Enter, "Reset System Configuration now?"));
     // Enter is no answer here.
     ASSERT_TRUE(session->Key(Keys::Enter));
-    console->Pump(300ms);
+    ASSERT_TRUE(session->Settle());
     EXPECT_TRUE(root->Matching(Record::Syslog, "Restoring factory defaults").empty());
 
     ASSERT_TRUE(session->Key(Keys::F(11)));
@@ -358,7 +317,7 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter) {
 
     for (std::string_view key : {Keys::Escape, Keys::F(11), std::string_view(" ")})
         ASSERT_TRUE(session->Key(key));
-    console->Pump(300ms);
+    ASSERT_TRUE(session->Settle());
     EXPECT_EQ(State()["power"].value("state", ""), "on");
     ASSERT_TRUE(session->Key(Keys::Enter));
     ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; },
@@ -397,7 +356,7 @@ TEST_F(SystemOps, ResetThatDoesNotHappen) {
         // Back in the menu, with no message of its own.
         ASSERT_TRUE(console->WaitFor([&] { return RightTitle() == "Reset System Configuration"; },
                                      5s, "menu"));
-        console->Pump(300ms);
+        ASSERT_TRUE(session->Settle());
         EXPECT_FALSE(console->Find("Default settings are restored.")) << console->Describe();
         EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), c.records);
         EXPECT_EQ(root->Lines(Record::Notad).size(), c.records);
