@@ -13,30 +13,8 @@ using namespace LanyxE2E;
 
 namespace {
 
-// On 80 x 25: list text from row 4, column 3; right pane text from row 4, column 42, 36 cells;
-// titles on row 1, footers on row 22.
-constexpr int kTop = 4, kListColumn = 3, kDetailColumn = 42;
-
-std::string RightFooter(const Console& console) {
-    return console.Text(22, 41, 37);
-}
-
-bool Greyed(const Console& console, int line) {
-    const Cell cell = console.CellAt(kTop + line, kListColumn);
-    return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
-}
-
-// The list (or the right pane) as shown, lines joined with '\n', trailing empty lines dropped.
-std::string Column(const Console& console, int column, int width) {
-    std::string text;
-    for (int row = kTop; row < kTop + 18; ++row)
-        text += console.Text(row, column, width) + "\n";
-    return text.erase(text.find_last_not_of('\n') + 1);
-}
-
-std::string Detail(const Console& console) {
-    return Column(console, kDetailColumn, 36);
-}
+// The right pane's first text cell on 80 x 25.
+constexpr int kTop = 4, kDetailColumn = 42;
 
 // The console on `profile` after a login as root, the first entry selected.
 std::unique_ptr<Session> LogIn(const std::string& profile = "default",
@@ -58,21 +36,21 @@ const std::string kDefaultList = "Configure Password\nConfigure Lockdown Mode\n\
 TEST(Menu, DefaultHostMenuAfterLoginAndLogout) {
     auto s = LogIn();
     Console& console = s->Screen();
-    EXPECT_EQ(Column(console, kListColumn, 35), kDefaultList) << console.Describe();
+    EXPECT_EQ(s->List(), kDefaultList) << console.Describe();
     EXPECT_EQ(
-        Detail(console),
+        s->Detail(),
         "Set\n\nTo prevent unauthorized access to\nthis system, set the password for\nthe user.");
-    EXPECT_EQ(RightFooter(console), "<Enter> Change          <Esc> Log Out");
+    EXPECT_EQ(s->RightFooter(), "<Enter> Change          <Esc> Log Out");
     EXPECT_EQ(console.Text(22, 2, 37), "<Up/Down> Select");
     EXPECT_TRUE(console.Row(24).find("Zephora Ostra 8.0.3 (Tessel 8.0.3 Build ") !=
                 std::string::npos);
     EXPECT_TRUE(console.CellAt(kTop, kDetailColumn).fg.IsIndex(7)) << "the value in white";
 
     ASSERT_TRUE(s->SelectEntry("Configure Lockdown Mode"));
-    EXPECT_TRUE(Detail(console).starts_with("Disabled\n\nWhen enabled, lockdown mode"))
+    EXPECT_TRUE(s->Detail().starts_with("Disabled\n\nWhen enabled, lockdown mode"))
         << console.Describe();
     ASSERT_TRUE(s->SelectEntry("Reset System Configuration"));
-    EXPECT_EQ(RightFooter(console), "<Enter> Reset           <Esc> Log Out");
+    EXPECT_EQ(s->RightFooter(), "<Enter> Reset           <Esc> Log Out");
     s->Key(Keys::Escape);
     EXPECT_TRUE(s->AwaitWelcome());
 }
@@ -80,41 +58,34 @@ TEST(Menu, DefaultHostMenuAfterLoginAndLogout) {
 TEST(Menu, EntriesGreyedAndSkippedByHost) {
     struct Case {
         std::string profile, term;
-        std::vector<int> greyed; // list lines
-        std::vector<std::string>
-            walk; // what Down selects, from the first entry to the last it reaches
+        std::vector<int> greyed;       // list lines
+        std::vector<std::string> walk; // what Down selects, from the first entry to the last
     };
+    // clang-format off
     const std::vector<Case> cases = {
-        {"pxe-boot",
-         "xterm-256color",
-         {14},
+        {"pxe-boot", "xterm-256color", {14},
          {"Configure Lockdown Mode", "Configure Management Network", "Restart Management Network",
           "Test Management Network", "Network Restore Options", "Troubleshooting Options",
           "View System Logs", "View Support Information", "View Support Information"}},
-        {"no-nics",
-         "xterm-256color",
-         {3, 4, 5},
-         {"Configure Lockdown Mode", "Network Restore Options"}},
+        {"no-nics", "xterm-256color", {3, 4, 5}, {"Configure Lockdown Mode", "Network Restore Options"}},
         // A plain xterm counts as the machine's own screen: the keyboard line comes in.
-        {"default",
-         "xterm",
-         {},
+        {"default", "xterm", {},
          {"Configure Lockdown Mode", "Configure Management Network", "Restart Management Network",
           "Test Management Network", "Network Restore Options", "Configure Keyboard",
           "Troubleshooting Options"}},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.profile + " on " + c.term);
         auto s = LogIn(c.profile, {.term = c.term});
-        Console& console = s->Screen();
         for (int line = 0; line < 17; ++line)
-            EXPECT_EQ(Greyed(console, line), std::ranges::count(c.greyed, line) == 1) << line;
+            EXPECT_EQ(s->Greyed(line), std::ranges::count(c.greyed, line) == 1) << line;
         for (const std::string& title : c.walk) {
             s->Key(Keys::Down);
             ASSERT_TRUE(s->Settle());
             ASSERT_EQ(s->RightTitle(), title);
             if (title == "Configure Keyboard") {
-                EXPECT_EQ(Detail(console),
+                EXPECT_EQ(s->Detail(),
                           "US Default\n\nTo select the layout type for the\nkeyboard of this host, "
                           "press\n<Enter>.");
             }
@@ -144,8 +115,8 @@ TEST(Menu, ManagementNetworkSummary) {
         SCOPED_TRACE(profile);
         auto s = LogIn(profile);
         ASSERT_TRUE(s->SelectEntry("Configure Management Network"));
-        EXPECT_EQ(Detail(s->Screen()), summary) << s->Screen().Describe();
-        EXPECT_EQ(RightFooter(s->Screen()), "<Enter> More            <Esc> Log Out");
+        EXPECT_EQ(s->Detail(), summary) << s->Screen().Describe();
+        EXPECT_EQ(s->RightFooter(), "<Enter> More            <Esc> Log Out");
     }
 
     // A failing host library: the summary says so, and the restart entry names the failure.
@@ -153,9 +124,9 @@ TEST(Menu, ManagementNetworkSummary) {
     Console& console = s->Screen();
     s->Host().Fault({"lib", "NetworkInfoImpl::GetManagementInterface", "simulated failure"});
     ASSERT_TRUE(s->SelectEntry("Configure Management Network"));
-    EXPECT_TRUE(Detail(console).starts_with(
-        "Hostname:\nUnknown\n\nIPv4 Address:\nUnknown\n\nIPv6 Addresses:\n"
-        "Unknown\n\n"))
+    EXPECT_TRUE(
+        s->Detail().starts_with("Hostname:\nUnknown\n\nIPv4 Address:\nUnknown\n\nIPv6 Addresses:\n"
+                                "Unknown\n\n"))
         << console.Describe();
     ASSERT_TRUE(s->OpenEntry("Restart Management Network"));
     EXPECT_TRUE(console.Find("Operation on the management network interface failed."))
@@ -172,7 +143,7 @@ TEST(Menu, SupportPagesTurnAndStartOverOnReturn) {
     auto s = LogIn();
     Console& console = s->Screen();
     ASSERT_TRUE(s->SelectEntry("View Support Information"));
-    EXPECT_EQ(RightFooter(console), "                        <Esc> Log Out");
+    EXPECT_EQ(s->RightFooter(), "                        <Esc> Log Out");
     const auto white = [&](int column) {
         return console.CellAt(kTop, kDetailColumn + column).fg.IsIndex(7);
     };
@@ -190,9 +161,8 @@ TEST(Menu, SupportPagesTurnAndStartOverOnReturn) {
     EXPECT_TRUE(white(0));
     ASSERT_TRUE(page(Keys::PageDown, "3/3"));
     EXPECT_FALSE(white(24)) << "Page Down grey on the last page";
-    EXPECT_EQ(Detail(console),
-              "<Page Up>       3/3     <Page Down>\nOn the web\n\nKnowledge base:\n"
-              "https://support.example.test/kb");
+    EXPECT_EQ(s->Detail(), "<Page Up>       3/3     <Page Down>\nOn the web\n\nKnowledge base:\n"
+                           "https://support.example.test/kb");
     // Page Down at the end does nothing; leaving the entry and coming back starts at page 1.
     ASSERT_TRUE(page(Keys::PageDown, "3/3"));
     ASSERT_TRUE(page(Keys::PageUp, "2/3"));
@@ -207,7 +177,7 @@ TEST(Menu, LogTableNumbersThePresentLogsAndThePagerComesBack) {
     Console& console = s->Screen();
     s->Host().Remove("/var/log/tessel.log");
     ASSERT_TRUE(s->SelectEntry("View System Logs"));
-    EXPECT_EQ(Detail(console),
+    EXPECT_EQ(s->Detail(),
               "<1> Syslog\n<2> Config\n<3> Management Agent (helmd)\n"
               "<4> High Availibility Agent (cairnd)\n<5> Zephora Ostra Observation log\n(notad)\n\n"
               "Press the corresponding key to view\na log.\nPress <Q> to return to this screen.");
@@ -233,7 +203,7 @@ TEST(Menu, LogTableNumbersThePresentLogsAndThePagerComesBack) {
     ASSERT_TRUE(s->Settle());
     EXPECT_EQ(s->RightTitle(), "View System Logs");
     EXPECT_FALSE(console.Find("sysboot:"));
-    EXPECT_EQ(Column(console, kListColumn, 35), kDefaultList);
+    EXPECT_EQ(s->List(), kDefaultList);
     ASSERT_TRUE(s->SelectEntry("View Support Information"));
     EXPECT_EQ(console.Modes().c_lflag & ECHO, 0u) << "the console's terminal modes are back";
 }

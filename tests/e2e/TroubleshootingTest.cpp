@@ -13,32 +13,8 @@ using nlohmann::json;
 
 namespace {
 
-// On 80 x 25: list text from row 4, column 3; right pane text from row 4, column 42, 36 cells;
-// titles on row 1, footers on row 22.
-constexpr int kTop = 4, kListColumn = 3, kDetailColumn = 42;
+constexpr int kTop = 4, kListColumn = 3;
 constexpr const char* kMenuTitle = "Troubleshooting Mode Options";
-
-std::string Column(const Console& console, int column, int width, int rows = 18) {
-    std::string text;
-    for (int row = kTop; row < kTop + rows; ++row)
-        text += Trimmed(console.Text(row, column, width)) + "\n";
-    return text.erase(text.find_last_not_of('\n') + 1);
-}
-
-std::string List(const Console& console) {
-    return Column(console, kListColumn, 36, 5);
-}
-std::string Detail(const Console& console) {
-    return Column(console, kDetailColumn, 36);
-}
-std::string RightFooter(const Console& console) {
-    return Trimmed(console.Text(22, 41, 37));
-}
-
-bool Greyed(const Console& console, int line) {
-    const Cell cell = console.CellAt(kTop + line, kListColumn);
-    return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
-}
 
 // Logged in as root, in the troubleshooting menu.
 ::testing::AssertionResult OpenMenu(Session& s) {
@@ -62,16 +38,16 @@ TEST(Troubleshooting, LinesPanesAndFooters) {
     Session s;
     Console& console = s.Screen();
     ASSERT_TRUE(OpenMenu(s));
-    EXPECT_EQ(List(console), "Enable Ostra Shell\nEnable SSH\nModify Ostra Shell and SSH timeouts\n"
-                             "Modify LANYX idle timeout\nRestart Management Agents")
+    EXPECT_EQ(s.List(5), "Enable Ostra Shell\nEnable SSH\nModify Ostra Shell and SSH timeouts\n"
+                         "Modify LANYX idle timeout\nRestart Management Agents")
         << console.Describe();
     EXPECT_EQ(Trimmed(console.Text(22, 2, 37)), "<Up/Down> Select");
     // The menu's own footer stands until the selection first moves.
-    EXPECT_EQ(RightFooter(console), "<Enter> Change             <Esc> Exit");
+    EXPECT_EQ(s.RightFooter(), "<Enter> Change             <Esc> Exit");
     for (int line = 0; line < 5; ++line)
-        EXPECT_FALSE(Greyed(console, line)) << line;
+        EXPECT_FALSE(s.Greyed(line)) << line;
 
-    EXPECT_TRUE(Detail(console).starts_with("Ostra Shell is Disabled")) << Detail(console);
+    EXPECT_TRUE(s.Detail().starts_with("Ostra Shell is Disabled")) << s.Detail();
     // Each line's pane; the agents' line alone restarts rather than changes.
     const std::vector<std::string> titles = {
         "Ostra Shell", "SSH Support", "Modify Ostra Shell and SSH", "Modify LANYX idle timeout",
@@ -82,10 +58,9 @@ TEST(Troubleshooting, LinesPanesAndFooters) {
             ASSERT_TRUE(s.Press({Keys::Down}));
         }
         EXPECT_EQ(s.RightTitle(), titles[line]);
-        EXPECT_EQ(RightFooter(console).starts_with("<Enter> Restart"), line == 4)
-            << RightFooter(console);
+        EXPECT_EQ(s.RightFooter().starts_with("<Enter> Restart"), line == 4) << s.RightFooter();
     }
-    EXPECT_TRUE(Detail(console).starts_with("The management agents are the")) << Detail(console);
+    EXPECT_TRUE(s.Detail().starts_with("The management agents are the")) << s.Detail();
     // Down on the last line and letters change nothing; Esc goes back to the main menu.
     ASSERT_TRUE(s.Press({Keys::Down, "x", Keys::Tab}));
     EXPECT_EQ(s.RightTitle(), "Restart Management Agents");
@@ -103,26 +78,26 @@ TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine) {
 
     // Shell on: its label, its pane, the host, and the time-outs greyed and skipped.
     ASSERT_TRUE(s.Press({Keys::Enter}));
-    EXPECT_EQ(Trimmed(console.Text(kTop, kListColumn, 36)), "Disable Ostra Shell");
-    EXPECT_TRUE(Detail(console).starts_with("Ostra Shell is Enabled")) << Detail(console);
+    EXPECT_EQ(console.Text(kTop, kListColumn, 36), "Disable Ostra Shell");
+    EXPECT_TRUE(s.Detail().starts_with("Ostra Shell is Enabled")) << s.Detail();
     EXPECT_EQ(Service(host, "OstraShell"), json({{"running", true}, {"enabled", true}}));
-    EXPECT_TRUE(Greyed(console, 2));
+    EXPECT_TRUE(s.Greyed(2));
     ASSERT_TRUE(s.Press({Keys::Down, Keys::Down}));
     EXPECT_EQ(s.RightTitle(), "Modify LANYX idle timeout") << "the greyed line is passed over";
 
     // SSH on as well: the agent opens its ports with it.
     ASSERT_TRUE(s.Press({Keys::Up, Keys::Enter}));
-    EXPECT_EQ(Trimmed(console.Text(kTop + 1, kListColumn, 36)), "Disable SSH");
+    EXPECT_EQ(console.Text(kTop + 1, kListColumn, 36), "Disable SSH");
     EXPECT_EQ(Service(host, "SSH"), json({{"running", true}, {"enabled", true}}));
     EXPECT_TRUE(SshPortsOpen(host));
 
     // Shell off while SSH runs: still greyed. SSH off too: the line comes back and can be reached.
     ASSERT_TRUE(s.Press({Keys::Up, Keys::Enter}));
-    EXPECT_EQ(Trimmed(console.Text(kTop, kListColumn, 36)), "Enable Ostra Shell");
-    EXPECT_TRUE(Greyed(console, 2));
+    EXPECT_EQ(console.Text(kTop, kListColumn, 36), "Enable Ostra Shell");
+    EXPECT_TRUE(s.Greyed(2));
     ASSERT_TRUE(s.Press({Keys::Down, Keys::Enter}));
-    EXPECT_EQ(Trimmed(console.Text(kTop + 1, kListColumn, 36)), "Enable SSH");
-    EXPECT_FALSE(Greyed(console, 2));
+    EXPECT_EQ(console.Text(kTop + 1, kListColumn, 36), "Enable SSH");
+    EXPECT_FALSE(s.Greyed(2));
     EXPECT_FALSE(SshPortsOpen(host));
     ASSERT_TRUE(s.Press({Keys::Down}));
     EXPECT_TRUE(s.RightTitle().starts_with("Modify Ostra Shell and SSH"));
@@ -146,14 +121,12 @@ TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine) {
 
 TEST(Troubleshooting, RunningServicesShownOnAndTimeoutsGreyed) {
     Session s("default", {.settings = {{"ssh-running", "true"}}});
-    Console& console = s.Screen();
     ASSERT_TRUE(OpenMenu(s));
-    EXPECT_EQ(List(console),
-              "Enable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
-              "Modify LANYX idle timeout\nRestart Management Agents");
-    EXPECT_TRUE(Greyed(console, 2));
+    EXPECT_EQ(s.List(5), "Enable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
+                         "Modify LANYX idle timeout\nRestart Management Agents");
+    EXPECT_TRUE(s.Greyed(2));
     ASSERT_TRUE(s.Press({Keys::Down}));
-    EXPECT_TRUE(Detail(console).starts_with("SSH is Enabled")) << Detail(console);
+    EXPECT_TRUE(s.Detail().starts_with("SSH is Enabled")) << s.Detail();
 }
 
 // ---------------------------------------------------------------- a failing agent
@@ -208,13 +181,12 @@ TEST(Troubleshooting, TogglesGetRoundAFailingAgent) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Session s("default", c.options);
-        Console& console = s.Screen();
         HostRoot& host = s.Host();
         ASSERT_TRUE(OpenMenu(s));
         host.Mark();
         ASSERT_TRUE(s.Press({Keys::Enter, Keys::Down, Keys::Enter}));
         // Nothing on the screen tells of the failure: the labels flip.
-        EXPECT_EQ(List(console),
+        EXPECT_EQ(s.List(5),
                   "Disable Ostra Shell\nDisable SSH\nModify Ostra Shell and SSH timeouts\n"
                   "Modify LANYX idle timeout\nRestart Management Agents");
         std::vector<std::string> logs;

@@ -56,6 +56,37 @@ std::string Session::RightTitle() const {
     return console_->Text(1, column, console_->Cols() - column - 4);
 }
 
+namespace {
+
+// Menus on any size: the list's text from row 4, column 3; the right pane's from the middle.
+constexpr int kMenuTop = 4, kListColumn = 3;
+
+std::string MenuColumn(const Console& console, int column, int width, int rows) {
+    std::string text;
+    for (int row = kMenuTop; row < kMenuTop + rows; ++row)
+        text += console.Text(row, column, width) + "\n";
+    return text.erase(text.find_last_not_of('\n') + 1);
+}
+
+} // namespace
+
+std::string Session::List(int rows) const {
+    return MenuColumn(*console_, kListColumn, console_->Cols() / 2 - 4, rows);
+}
+
+std::string Session::Detail(int rows) const {
+    return MenuColumn(*console_, console_->Cols() / 2 + 2, console_->Cols() / 2 - 4, rows);
+}
+
+std::string Session::RightFooter() const {
+    return console_->Text(console_->Rows() - 3, console_->Cols() / 2 + 1, console_->Cols() / 2 - 3);
+}
+
+bool Session::Greyed(int line) const {
+    const Cell cell = console_->CellAt(kMenuTop + line, kListColumn);
+    return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
+}
+
 ::testing::AssertionResult Session::SelectEntry(const std::string& title) {
     if (auto settled = Settle(); !settled)
         return settled;

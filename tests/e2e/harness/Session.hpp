@@ -77,6 +77,12 @@ public:
     ::testing::AssertionResult OpenEntry(const std::string& title);
     // The title of the right pane of a menu.
     std::string RightTitle() const;
+    // A menu as shown: its list (or its right pane) from the first text row, `rows` rows joined
+    // with '\n', trailing empty lines dropped; the right pane's footer; a greyed list line.
+    std::string List(int rows = 18) const;
+    std::string Detail(int rows = 18) const;
+    std::string RightFooter() const;
+    bool Greyed(int line) const;
 
 private:
     std::unique_ptr<HostRoot> host_;
