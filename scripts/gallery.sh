@@ -4,7 +4,7 @@ set -eu
 cd "$(dirname "$0")/.."
 scripts/setup-deps.sh
 BUILD="${BUILD:-build-gallery}"
-cmake -S . -B "$BUILD" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+[ -f "$BUILD/CMakeCache.txt" ] || cmake -S . -B "$BUILD" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$BUILD" --target lanyx_gallery -j "$(nproc)"
 rm -rf docs/screens
 mkdir -p docs/screens
