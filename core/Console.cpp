@@ -1,6 +1,7 @@
 #include "core/Console.hpp"
 
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <curses.h>
 #include <fcntl.h>
@@ -73,6 +74,9 @@ void SwitchTerminal(int number) {
 }
 
 void StartCurses() {
+    // Nobody at a console's terminal could resume it: Ctrl-Z must not stop it (curses only
+    // takes the signal over while it has its default action).
+    signal(SIGTSTP, SIG_IGN);
     initscr();
     start_color();
     // Every exit() leaves the terminal in its normal mode; after the regular end curses is
@@ -85,6 +89,13 @@ void StartCurses() {
     cbreak();
     noecho();
     keypad(stdscr, TRUE);
+    // Nor may Ctrl-S freeze the screen: without flow control it is a key like any other.
+    termios modes{};
+    if (tcgetattr(0, &modes) == 0) {
+        modes.c_iflag &= ~IXON;
+        tcsetattr(0, TCSANOW, &modes);
+        def_prog_mode();
+    }
 }
 
 } // namespace

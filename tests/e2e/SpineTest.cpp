@@ -84,7 +84,7 @@ TEST(Spine, KeysArriveThroughTheEscapeTable) {
         {"\x1bk", 360}, {"\x1b+", 331}, {"\x1b-", 330}, {"\x1b?", 339}, {"\x1b/", 338},
         {"\x1b[2~", 331}, {"\x1b[3~", 330}, {"\x1b[1~", 262}, {"\x1b[4~", 360}, {"\x1b[5~", 339},
         {"\x1b[6~", 338}, {Keys::F(11), 275}, {Keys::Up, 259}, {Keys::Enter, 10}, {Keys::Tab, 9},
-        {"\x08", 8}, {Keys::Escape, 27}};
+        {"\x08", 8}, {Keys::Escape, 27}, {"\x13", 19} /* no flow control: Ctrl-S is a key */};
     // clang-format on
     for (const auto& [bytes, code] : keys) {
         SCOPED_TRACE("key " + std::to_string(code));
@@ -92,6 +92,9 @@ TEST(Spine, KeysArriveThroughTheEscapeTable) {
         ASSERT_TRUE(ShowsCode(s, "y", 121));
         ASSERT_TRUE(ShowsCode(s, bytes, code));
     }
+    // Ctrl-Z does not stop the console: nobody at its terminal could resume it.
+    s.Screen().Send("\x1a");
+    EXPECT_TRUE(ShowsCode(s, "a", 97));
     EXPECT_TRUE(s.Screen().Running());
 }
 

@@ -30,10 +30,17 @@ std::string Escaped(const std::string& text) {
     std::string out;
     for (char c : text) {
         switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        default: out += c;
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        default:
+            out += c;
         }
     }
     return out;
@@ -52,8 +59,8 @@ std::string Svg(const Console& console) {
     };
     std::ostringstream out;
     const int width = console.Cols() * kCellWidth, height = console.Rows() * kCellHeight;
-    out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\""
-        << height << "\" font-family=\"DejaVu Sans Mono,monospace\" font-size=\"15\">\n";
+    out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\"" << height
+        << "\" font-family=\"DejaVu Sans Mono,monospace\" font-size=\"15\">\n";
     for (int row = 0; row < console.Rows(); ++row) {
         for (int col = 0; col < console.Cols();) {
             const Rgb bg = colours(console.CellAt(row, col)).second;
@@ -172,13 +179,14 @@ int main(int argc, char** argv) {
     }
     Gallery gallery(argv[1]);
     const std::vector<std::string> profiles = {
-        "default", "dhcp",      "dhcp-no-server", "fabric",         "fabric-broken",
-        "no-nics", "audit-mode", "pxe-boot",      "custom-welcome", "smartcard",
+        "default", "dhcp",       "dhcp-no-server", "fabric",         "fabric-broken",
+        "no-nics", "audit-mode", "pxe-boot",       "custom-welcome", "smartcard",
         "ipv6",    "lockdown",   "no-login"};
     for (const std::string& profile : profiles) {
         Session s(profile);
         if (s.Settle())
-            gallery.Save(s.Screen(), "welcome-" + profile, "welcome screen, host \"" + profile + "\"");
+            gallery.Save(s.Screen(), "welcome-" + profile,
+                         "welcome screen, host \"" + profile + "\"");
     }
     {
         Session s;

@@ -362,6 +362,15 @@ Console::Console(ConsoleOptions options)
         std::string asan = env.count("ASAN_OPTIONS") ? env["ASAN_OPTIONS"] : "";
         env["ASAN_OPTIONS"] = (asan.empty() ? "" : asan + ":") + "verify_asan_link_order=0";
     }
+    // The console sends its standard error to /dev/null: sanitizer reports go to files instead.
+    char folder[] = "/tmp/lanyx-sanitizer-XXXXXX";
+    if (mkdtemp(folder)) {
+        reportFolder_ = folder;
+        for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
+            const std::string kept = env.count(name) ? env[name] + ":" : "";
+            env[name] = kept + "log_path=" + reportFolder_ + "/report";
+        }
+    }
     for (const auto& [name, value] : options.env)
         env[name] = value;
     std::vector<std::string> envStrings;
@@ -416,6 +425,20 @@ Console::~Console() {
         close(slave_);
     if (master_ >= 0)
         close(master_);
+    if (const std::string reports = SanitizerReports(); !reports.empty())
+        ADD_FAILURE() << "sanitizer report of " << command_ << ":\n" << reports;
+    if (!reportFolder_.empty())
+        std::filesystem::remove_all(reportFolder_);
+}
+
+std::string Console::SanitizerReports() const {
+    std::string reports;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(reportFolder_, error)) {
+        std::ifstream in(entry.path());
+        reports += std::string(std::istreambuf_iterator<char>(in), {});
+    }
+    return reports;
 }
 
 void Console::Send(std::string_view bytes) {

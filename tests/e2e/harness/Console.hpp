@@ -154,6 +154,9 @@ public:
     const std::string& Transcript() const { return transcript_; }
     // A printable dump of the screen with the process state, for failure messages.
     std::string Describe() const;
+    // What AddressSanitizer and UBSan reported for the program and its children so far; the
+    // end of the Console fails the test when there is anything.
+    std::string SanitizerReports() const;
 
 private:
     struct Emulator;
@@ -176,8 +179,9 @@ private:
     std::string pendingEscape_; // an escape sequence cut by the end of a read
     std::string lastWritten_;   // the tail of what went to the emulator
     std::string command_;
-    std::string terminal_; // the path of the program's side of the terminal
-    size_t received_ = 0;  // bytes of output taken so far
+    std::string reportFolder_; // where sanitizer reports are written
+    std::string terminal_;     // the path of the program's side of the terminal
+    size_t received_ = 0;      // bytes of output taken so far
     std::optional<std::pair<pid_t, std::string>>
         wakeFrom_; // the reader as a key or signal found it
 };
