@@ -112,7 +112,6 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
     EXPECT_TRUE(state["faults"]["lib"].contains("SmartCardInfoImpl::GetToken"));
 
     // The reset script's factory copy is the configuration as made.
-    state = HostSim::StateStore(root.Path()).Read();
     EXPECT_EQ(state["factory"]["host"], state["host"]);
     EXPECT_EQ(state["factory"]["accounts"][0]["hash"], "");
 }
