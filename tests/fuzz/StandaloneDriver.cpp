@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,39 +20,19 @@ int Run(const std::string& input) {
 }
 
 std::string Generate(std::mt19937& rng) {
-    static const char* const pieces[] = {
-        "{align:right}",
-        "{align:center}",
-        "{align:padding:",
-        "{/align}",
-        "{color:",
-        "{/color}",
-        "{bgcolor:",
-        "{/bgcolor}",
-        "red}",
-        "black>}",
-        "{ip}",
-        "{hostname}",
-        "{memory}",
-        "{serial-number}",
-        "{ip:x}",
-        "{}",
-        "{",
-        "}",
-        " ",
-        "  ",
-        "\n",
-        "\t",
-        "word",
-        "x",
-        "-5}",
-        "999999999999}",
-        "12}",
-        "\xc3\xa9",
-        "\xff\xfe",
-    };
+    // Markup pieces, between bars.
+    static const std::vector<std::string> pieces = [] {
+        std::vector<std::string> list;
+        std::istringstream all("{align:right}|{align:center}|{align:padding:|{/align}|"
+                               "{color:|{/color}|{bgcolor:|{/bgcolor}|red}|black>}|"
+                               "{ip}|{hostname}|{memory}|{serial-number}|{ip:x}|{}|{|}| |  |"
+                               "\n|\t|word|x|-5}|999999999999}|12}|\xc3\xa9|\xff\xfe");
+        for (std::string piece; std::getline(all, piece, '|');)
+            list.push_back(piece);
+        return list;
+    }();
     std::uniform_int_distribution<int> byte(0, 255);
-    std::uniform_int_distribution<size_t> piece(0, std::size(pieces) - 1);
+    std::uniform_int_distribution<size_t> piece(0, pieces.size() - 1);
     std::uniform_int_distribution<int> length(0, 120);
     std::string input;
     for (int i = 0; i < 3; ++i) {

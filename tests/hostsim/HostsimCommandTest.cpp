@@ -1,36 +1,22 @@
 // The hostsim program, run as a child on temporary folders.
 #include <algorithm>
 #include <filesystem>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
 #include "HostRoot.hpp"
-#include "store/StateStore.hpp"
 
 using LanyxTest::HostRoot;
 
 namespace {
 
-struct Result {
-    int status;
-    std::string output;
-};
-
-Result Hostsim(const std::vector<std::string>& args) {
-    std::vector<std::string> argv{LanyxTest::HostsimBinary()};
-    argv.insert(argv.end(), args.begin(), args.end());
-    const LanyxTest::ProcessResult result = LanyxTest::RunProcess(argv);
-    return {result.exit.Code(), result.output};
-}
-
 std::vector<std::string> ProfileNames() {
     std::vector<std::string> names;
-    std::string listing = Hostsim({"profiles"}).output;
-    size_t start = 0;
-    for (size_t nl; (nl = listing.find('\n', start)) != std::string::npos; start = nl + 1) {
-        std::string row = listing.substr(start, nl - start);
+    std::istringstream listing(
+        LanyxTest::RunProcess({LanyxTest::HostsimBinary(), "profiles"}).output);
+    for (std::string row; std::getline(listing, row);)
         names.push_back(row.substr(0, row.find(' ')));
-    }
     return names;
 }
 
@@ -46,10 +32,8 @@ TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
         EXPECT_NE(std::find(names.begin(), names.end(), required), names.end()) << required;
     for (const std::string& profile : names) {
         SCOPED_TRACE(profile);
-        HostRoot root("");
-        auto result = Hostsim({"create", root.Path(), "--profile", profile, "--force"});
-        ASSERT_EQ(result.status, 0) << result.output;
-        auto state = HostSim::StateStore(root.Path()).Read();
+        const HostRoot root(profile);
+        const nlohmann::json state = root.State();
         EXPECT_EQ(state["profile"], profile);
         EXPECT_TRUE(state["accounts"].is_array());
         for (const char* path :
@@ -64,75 +48,68 @@ TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
 
 TEST(HostsimCommand, DefaultRootHasTheRealCertificateAndIsNotReplacedUnasked) {
     HostRoot root("");
-    ASSERT_EQ(Hostsim({"create", root.Path(), "--force"}).status, 0);
+    ASSERT_TRUE(root.Hostsim("create", {"--force"}).Succeeded());
     // The root's shell sees the root's commands first.
     EXPECT_NE(root.Read("/bin/sh").find("PATH=" + root.Path() + "/bin:" + root.Path() + "/sbin:"),
               std::string::npos);
     const std::string check = "openssl x509 -in " + root.File("/etc/zephora/ssl/node.crt") +
                               " -noout -fingerprint -SHA1 >/dev/null 2>&1";
     EXPECT_EQ(std::system(check.c_str()), 0);
-    const auto again = Hostsim({"create", root.Path()});
-    EXPECT_NE(again.status, 0);
+    const auto again = root.Hostsim("create");
+    EXPECT_FALSE(again.Succeeded());
     EXPECT_NE(again.output.find("already"), std::string::npos);
 }
 
 TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
-    HostRoot root("");
-    ASSERT_EQ(Hostsim({"create", root.Path(), "--force"}).status, 0);
-    EXPECT_EQ(Hostsim({"set", root.Path(), "lanyx-timeout", "300"}).status, 0);
-    EXPECT_EQ(
-        Hostsim({"fault", root.Path(), "lib", "SmartCardInfoImpl::GetToken", "reader gone"}).status,
-        0);
-    EXPECT_EQ(Hostsim({"fault", root.Path(), "tool", "helmq", "exit", "255"}).status, 0);
-    EXPECT_EQ(Hostsim({"fault", root.Path(), "tool", "helmq", "output", "true"}).status, 0);
-    auto state = HostSim::StateStore(root.Path()).Read();
+    HostRoot root;
+    root.Set("lanyx-timeout", "300");
+    root.Fault({"lib", "SmartCardInfoImpl::GetToken", "reader gone"});
+    root.Fault({"tool", "helmq", "exit", "255"});
+    root.Fault({"tool", "helmq", "output", "true"});
+    auto state = root.State();
     EXPECT_EQ(state["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 300);
     EXPECT_EQ(state["faults"]["tool"]["helmq"],
               (nlohmann::json{{"exit", 255}, {"output", "true"}}));
 
     const std::string before = root.Read("/var/lib/hostsim/state.json");
+    const std::string bin = LanyxTest::HostsimBinary();
     for (const auto& bad : std::vector<std::vector<std::string>>{
-             {"set", root.Path(), "no-such-setting", "1"},
-             {"set", root.Path(), "lockdown-enabled", "maybe"},
-             {"fault", root.Path(), "lib", "NoSuch::Operation", "x"},
-             {"fault", root.Path(), "tool", "helmq", "exit", "256"},
-             {"set", root.Path() + "/missing", "hostname", "x"}}) {
-        auto result = Hostsim(bad);
-        EXPECT_EQ(result.status, 2)
-            << bad[0] << " " << (bad.size() > 2 ? bad[2] : "") << ": " << result.output;
+             {bin, "set", root.Path(), "no-such-setting", "1"},
+             {bin, "set", root.Path(), "lockdown-enabled", "maybe"},
+             {bin, "fault", root.Path(), "lib", "NoSuch::Operation", "x"},
+             {bin, "fault", root.Path(), "tool", "helmq", "exit", "256"},
+             {bin, "set", root.Path() + "/missing", "hostname", "x"}}) {
+        const auto result = LanyxTest::RunProcess(bad);
+        EXPECT_EQ(result.exit.Code(), 2) << LanyxTest::JoinCommand(bad) << ": " << result.output;
         EXPECT_FALSE(result.output.empty());
     }
     EXPECT_EQ(root.Read("/var/lib/hostsim/state.json"), before);
 
-    EXPECT_EQ(Hostsim({"set", root.Path(), "lanyx-timeout", "none"}).status, 0);
-    EXPECT_EQ(Hostsim({"fault", root.Path(), "clear", "helmq"}).status, 0);
-    state = HostSim::StateStore(root.Path()).Read();
+    root.Set("lanyx-timeout", "none");
+    root.Fault({"clear", "helmq"});
+    state = root.State();
     EXPECT_FALSE(state["advancedOptions"].contains("/UserVars/LanyxTimeOut"));
     EXPECT_FALSE(state["faults"]["tool"].contains("helmq"));
     EXPECT_TRUE(state["faults"]["lib"].contains("SmartCardInfoImpl::GetToken"));
 
     // The reset script's factory copy is the configuration as made.
-    state = HostSim::StateStore(root.Path()).Read();
     EXPECT_EQ(state["factory"]["host"], state["host"]);
     EXPECT_EQ(state["factory"]["accounts"][0]["hash"], "");
 }
 
 TEST(HostsimCommand, AbsentToolLeavesTheRootUntilItsFaultIsCleared) {
-    HostRoot root("default");
+    HostRoot root;
     const std::string script = root.Read("/sbin/ostraq");
     ASSERT_FALSE(script.empty());
     // Every path of the tool goes; other tools stay.
     for (const auto& clear :
          std::vector<std::vector<std::string>>{{"clear", "ostraq"}, {"clear"}}) {
-        ASSERT_EQ(Hostsim({"fault", root.Path(), "tool", "ostraq", "absent"}).status, 0);
+        root.Fault({"tool", "ostraq", "absent"});
         EXPECT_FALSE(Exists(root, "/sbin/ostraq"));
         EXPECT_FALSE(Exists(root, "/bin/ostraq"));
         EXPECT_TRUE(Exists(root, "/sbin/benchq"));
-        EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["faults"]["tool"]["ostraq"],
-                  (nlohmann::json{{"absent", true}}));
-        std::vector<std::string> args{"fault", root.Path()};
-        args.insert(args.end(), clear.begin(), clear.end());
-        ASSERT_EQ(Hostsim(args).status, 0);
+        EXPECT_EQ(root.State()["faults"]["tool"]["ostraq"], (nlohmann::json{{"absent", true}}));
+        root.Fault(clear);
         EXPECT_EQ(root.Read("/sbin/ostraq"), script);
         EXPECT_TRUE(Exists(root, "/bin/ostraq"));
     }

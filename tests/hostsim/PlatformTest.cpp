@@ -1,9 +1,8 @@
 #include <syslog.h>
 
-#include <cctype>
 #include <cerrno>
 #include <cstring>
-#include <sstream>
+#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -45,17 +44,8 @@ std::string ThrownText(const std::function<void()>& call) {
 
 // The records without their "YYYY-MM-DDTHH:MM:SS " stamps; a malformed stamp stays in the text.
 std::string WithoutStamps(const std::string& text) {
-    const std::string shape = "dddd-dd-ddTdd:dd:dd ";
-    std::string rest;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        bool stamped = line.size() >= shape.size();
-        for (size_t i = 0; stamped && i < shape.size(); ++i)
-            stamped = shape[i] == 'd' ? std::isdigit(static_cast<unsigned char>(line[i])) != 0
-                                      : line[i] == shape[i];
-        rest += (stamped ? line.substr(shape.size()) : line) + "\n";
-    }
-    return rest;
+    static const std::regex stamp(R"((^|\n)\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d )");
+    return std::regex_replace(text, stamp, "$1");
 }
 
 } // namespace

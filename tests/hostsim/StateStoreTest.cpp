@@ -83,17 +83,19 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
     HostSim::StateStore(root.Path()).Write({{"count", 0}, {"padding", std::string(50000, 'x')}});
     constexpr int kProcesses = 4;
     constexpr int kIncrements = 25;
+    const auto increments = [&] {
+        for (int i = 0; i < kIncrements; ++i)
+            HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) {
+                s["count"] = s["count"].get<int>() + 1;
+            });
+    };
     std::vector<pid_t> children;
     for (int p = 0; p < kProcesses; ++p) {
         pid_t pid = ::fork();
         ASSERT_GE(pid, 0);
         if (pid == 0) {
             try {
-                for (int i = 0; i < kIncrements; ++i) {
-                    HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) {
-                        s["count"] = s["count"].get<int>() + 1;
-                    });
-                }
+                increments();
             } catch (...) {
                 ::_exit(1);
             }
@@ -117,18 +119,9 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
         }
     });
     // Threads of this process write too.
-    std::vector<std::thread> writers;
-    for (int t = 0; t < 2; ++t) {
-        writers.emplace_back([&] {
-            for (int i = 0; i < kIncrements; ++i) {
-                HostSim::StateStore(root.Path()).Update([](nlohmann::json& s) {
-                    s["count"] = s["count"].get<int>() + 1;
-                });
-            }
-        });
-    }
-    for (auto& w : writers)
-        w.join();
+    std::thread first(increments), second(increments);
+    first.join();
+    second.join();
     for (pid_t pid : children) {
         int status = 0;
         ASSERT_EQ(::waitpid(pid, &status, 0), pid);

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <thread>
 
 #include "HostRoot.hpp"
@@ -14,12 +13,6 @@ namespace {
 
 using nlohmann::json;
 using Args = std::vector<std::string>;
-
-struct Result {
-    int status;    // -1 when it did not exit by itself
-    bool timedOut; // killed at the deadline
-    std::string out;
-};
 
 json BaseState() {
     return json::parse(R"({"schema": 1, "lockdown": {"enabled": false, "possible": true},
@@ -44,55 +37,54 @@ protected:
     void SetUp() override { HostSim::StateStore(root_.Path()).Write(BaseState()); }
 
     // As the console starts tools: a child with one environment variable.
-    Result Tool(const Args& args, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+    LanyxTest::ProcessResult Tool(const Args& args,
+                                  LanyxTest::Duration limit = std::chrono::seconds(20)) {
         Args argv = {HOSTSIM_TOOL, "--root", root_.Path()};
         argv.insert(argv.end(), args.begin(), args.end());
         const std::vector<std::string> env{"PYTHONHOME=/"};
-        const LanyxTest::ProcessResult result = LanyxTest::RunProcess(argv, limit, &env);
-        return {result.timedOut ? -1 : result.exit.Code(), result.timedOut, result.output};
+        return LanyxTest::RunProcess(argv, limit, &env);
     }
-    int Status(const Args& args) { return Tool(args).status; }
-    json State() { return root_.State(); }
-    void Change(const std::function<void(json&)>& change) { root_.Edit(change); }
+    // The exit code, -1 when the tool did not exit by itself.
+    int Status(const Args& args) { return Tool(args).exit.Code(); }
 
     LanyxTest::HostRoot root_{""};
 };
 
 TEST_F(ToolsTest, WrongArgumentsOrADamagedStateChangeNothing) {
-    const json before = State();
+    const json before = root_.State();
     for (const Args& wrong :
          {Args{"helmq", "-U", "root"}, Args{"helmq", "-U", "root", "helmnode/fly"},
           Args{"ostraq", "network", "xbar", "standard", "add", "-v", "a", "-v", "b"},
           Args{"ostraq", "system", "settings", "advanced", "set", "-i", "5"},
           Args{"no-such-tool"}}) {
-        const Result result = Tool(wrong);
-        EXPECT_EQ(result.status, 2) << wrong[0] << ' ' << wrong.back();
-        EXPECT_FALSE(result.out.empty()) << wrong[0] << ' ' << wrong.back();
+        const auto result = Tool(wrong);
+        EXPECT_EQ(result.exit.Code(), 2) << wrong[0] << ' ' << wrong.back();
+        EXPECT_FALSE(result.output.empty()) << wrong[0] << ' ' << wrong.back();
     }
-    EXPECT_EQ(State(), before);
+    EXPECT_EQ(root_.State(), before);
 
     std::ofstream(HostSim::StateStore(root_.Path()).StatePath()) << "{ not json";
-    const Result damaged = Tool({"SSH", "status"});
-    EXPECT_EQ(damaged.status, 1);
-    EXPECT_NE(damaged.out.find(HostSim::StateStore(root_.Path()).StatePath()), std::string::npos)
-        << damaged.out;
+    const auto damaged = Tool({"SSH", "status"});
+    EXPECT_EQ(damaged.exit.Code(), 1);
+    EXPECT_NE(damaged.output.find(HostSim::StateStore(root_.Path()).StatePath()), std::string::npos)
+        << damaged.output;
 }
 
 TEST_F(ToolsTest, HelmqRefusesUnknownUsersWith255AndAnswersQueriesOnItsOutput) {
     EXPECT_EQ(Status({"helmq", "-U", "guest", "helmcore/refresh"}), 255);
     EXPECT_EQ(Status({"helmq", "-U", "root", "helmcore/refresh"}), 0);
     // An explicit list replaces the permitted accounts; the service account stays allowed.
-    Change([](json& s) { s["hostAgent"]["users"] = json::array({"guest"}); });
+    root_.Edit([](json& s) { s["hostAgent"]["users"] = json::array({"guest"}); });
     EXPECT_EQ(Status({"helmq", "-U", "root", "helmcore/refresh"}), 255);
     EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmcore/refresh"}), 0);
 
     const Args enabled = {"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"};
-    EXPECT_EQ(Tool(enabled).out, "false\n");
+    EXPECT_EQ(Tool(enabled).output, "false\n");
     EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_mode_enter"}), 0);
-    EXPECT_EQ(Tool(enabled).out, "true\n");
-    Change([](json& s) { s["lockdown"] = {{"enabled", false}, {"possible", false}}; });
+    EXPECT_EQ(Tool(enabled).output, "true\n");
+    root_.Edit([](json& s) { s["lockdown"] = {{"enabled", false}, {"possible", false}}; });
     EXPECT_NE(Status({"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_mode_enter"}), 0);
-    EXPECT_EQ(Tool(enabled).out, "false\n");
+    EXPECT_EQ(Tool(enabled).output, "false\n");
 
     // Services follow helmq; the init scripts report them with 0 or 3.
     EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmnode/stop_ssh"}), 0);
@@ -102,12 +94,12 @@ TEST_F(ToolsTest, HelmqRefusesUnknownUsersWith255AndAnswersQueriesOnItsOutput) {
 }
 
 TEST_F(ToolsTest, OstraqReportsTheAgentVersionOnOneLine) {
-    const Result result = Tool(
+    const auto result = Tool(
         {"ostraq", "--formatter=keyvalue", "software", "plank", "get", "-n", "gridmesh-opsagent"});
-    ASSERT_EQ(result.status, 0) << result.out;
-    EXPECT_NE(result.out.find("\nVersion=3.1.0\n"), std::string::npos) << result.out;
+    ASSERT_EQ(result.exit.Code(), 0) << result.output;
+    EXPECT_NE(result.output.find("\nVersion=3.1.0\n"), std::string::npos) << result.output;
     // The console's check picks the version out by that word.
-    EXPECT_EQ(result.out.find("Version"), result.out.rfind("Version"));
+    EXPECT_EQ(result.output.find("Version"), result.output.rfind("Version"));
 }
 
 TEST_F(ToolsTest, OstraqBuildsSwitchesOnlyFromFreeUplinks) {
@@ -124,7 +116,7 @@ TEST_F(ToolsTest, OstraqBuildsSwitchesOnlyFromFreeUplinks) {
     EXPECT_EQ(Ostraq({"uplink", "remove", "-v", "xbar0", "-u", "hwport0"}), 0);
     EXPECT_EQ(Ostraq({"uplink", "add", "-u", "hwport0", "-v", "xbar1"}), 0);
     EXPECT_EQ(Ostraq({"portgroup", "add", "-p", "Management Network", "-v", "xbar1"}), 1);
-    const json state = State();
+    const json state = root_.State();
     EXPECT_EQ(state["switches"][0]["teaming"]["uplinkOrder"], json::array());
     EXPECT_EQ(state["switches"][1]["uplinks"], json::array({"hwport0"}));
 }
@@ -142,15 +134,15 @@ TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
           Case{{{"signal", true}}, -1, "", false},
           Case{{{"output", "abc"}, {"exit", 3}}, 3, "abc\n", false},
           Case{{{"output", "waiting"}, {"hang", true}}, -1, "waiting\n", true}}) {
-        Change([&](json& s) { s["faults"]["tool"]["helmq"] = c.fault; });
-        const Result result = Tool(query, std::chrono::milliseconds(c.timedOut ? 3000 : 20000));
-        EXPECT_EQ(result.status, c.status) << c.fault;
-        EXPECT_EQ(result.out, c.out) << c.fault;
+        root_.Edit([&](json& s) { s["faults"]["tool"]["helmq"] = c.fault; });
+        const auto result = Tool(query, std::chrono::seconds(c.timedOut ? 3 : 20));
+        EXPECT_EQ(result.exit.Code(), c.status) << c.fault;
+        EXPECT_EQ(result.output, c.out) << c.fault;
         EXPECT_EQ(result.timedOut, c.timedOut) << c.fault;
     }
     // The fault is the tool's alone.
     EXPECT_EQ(Status({"poweroff"}), 0);
-    EXPECT_EQ(State()["power"]["state"], "off");
+    EXPECT_EQ(root_.State()["power"]["state"], "off");
 }
 
 TEST_F(ToolsTest, LiveCoreWaitsForTheAgentOnlyWhenAsked) {
@@ -165,10 +157,10 @@ TEST_F(ToolsTest, LiveCoreWaitsForTheAgentOnlyWhenAsked) {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         Tool({"agents.sh", "start"});
     });
-    const Result result = Tool(waiting);
+    const auto result = Tool(waiting);
     starter.join();
-    EXPECT_EQ(result.status, 0) << result.out;
-    EXPECT_EQ(result.out, "Live core of helmd written to /var/log/helmd-restart1.core\n");
+    EXPECT_EQ(result.exit.Code(), 0) << result.output;
+    EXPECT_EQ(result.output, "Live core of helmd written to /var/log/helmd-restart1.core\n");
     EXPECT_TRUE(std::filesystem::exists(root_.Path() + "/var/log/helmd-restart1.core"));
     EXPECT_EQ(Status(trace), 0);
     EXPECT_TRUE(std::filesystem::exists(root_.Path() + "/var/log/helmd-restart2.core"));

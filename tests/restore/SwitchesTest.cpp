@@ -57,25 +57,47 @@ TEST_F(Switches, ManagementInterfaceAndFabricInUse) {
         << "exceptions pass to the caller";
 }
 
-TEST_F(Switches, SwitchNameOfEachConnecteeType) {
+// A fabric gives its name and refuses everything a standard switch offers; a port group gives its
+// switch; other connectees give nothing.
+TEST_F(Switches, WhatEachConnecteeTypeGives) {
     Create("fabric");
     auto nic = Management();
     std::string name = "untouched";
     EXPECT_TRUE(GetSwitchName(nic.get(), name));
     EXPECT_EQ(name, "fab-prod");
+    uint16_t vlan = 5;
+    uint32_t count = 5;
+    Strings uplinks{"kept"};
+    EXPECT_FALSE(GetVlanId(nic.get(), vlan));
+    EXPECT_FALSE(SetVlanId(nic.get(), 12));
+    EXPECT_FALSE(GetMaxActiveUplinks(nic.get(), count));
+    EXPECT_FALSE(GetUplinks(nic.get(), uplinks));
+    EXPECT_FALSE(RemoveUplink(nic.get(), "hwport2"));
+    EXPECT_FALSE(AddUplink(nic.get(), "hwport2"));
+    EXPECT_EQ(vlan, 5);
+    EXPECT_EQ(uplinks, Strings{"kept"});
+    const json state = Host().State();
+    EXPECT_EQ(state["fabrics"][0]["ports"][0]["vlan"], 10) << "the fabric port is left alone";
+    EXPECT_FALSE(state["fabrics"][0]["uplinks"].contains("hwport2"))
+        << "the detach is not rolled back";
 
     Connect({{"type", "portgroup"}, {"portGroup", "VM Network"}});
     EXPECT_TRUE(GetSwitchName(nic.get(), name));
     EXPECT_EQ(name, "switch0");
-
     for (const char* type : {"none", "opaque"}) {
         Connect({{"type", type}});
         EXPECT_FALSE(GetSwitchName(nic.get(), name)) << type;
     }
-    EXPECT_EQ(Host().Messages("user.err"),
-              (Strings{"Getting switch name failed: Unsupported connectee type",
-                       "Getting switch name failed: Opaque network connectee type not supported"}));
     EXPECT_EQ(name, "switch0");
+    EXPECT_EQ(Host().Messages("user.err"),
+              (Strings{"Getting VlanID failed: Unsupported xbar type",
+                       "Setting VlanID failed: Unsupported xbar type",
+                       "Getting max number of active uplinks failed: Unsupported xbar type",
+                       "Getting uplinks failed: Unsupported xbar type",
+                       "Removing uplink hwport2 failed: Unsupported xbar type",
+                       "Adding uplink hwport2 failed: Unsupported xbar type",
+                       "Getting switch name failed: Unsupported connectee type",
+                       "Getting switch name failed: Opaque network connectee type not supported"}));
 }
 
 TEST_F(Switches, VlanOfTheManagementPortGroup) {
@@ -95,93 +117,49 @@ TEST_F(Switches, VlanOfTheManagementPortGroup) {
     EXPECT_EQ(Host().Messages("user.err"), Strings{"Setting VlanID failed: port group busy"});
 }
 
-TEST_F(Switches, FabricGivesItsNameAndRefusesTheRest) {
-    Create("fabric");
-    auto nic = Management();
-    std::string name;
-    EXPECT_TRUE(GetSwitchName(nic.get(), name));
-    uint16_t vlan = 5;
-    uint32_t count = 5;
-    Strings uplinks{"kept"};
-    EXPECT_FALSE(GetVlanId(nic.get(), vlan));
-    EXPECT_FALSE(SetVlanId(nic.get(), 12));
-    EXPECT_FALSE(GetMaxActiveUplinks(nic.get(), count));
-    EXPECT_FALSE(GetUplinks(nic.get(), uplinks));
-    EXPECT_FALSE(RemoveUplink(nic.get(), "hwport2"));
-    EXPECT_FALSE(AddUplink(nic.get(), "hwport2"));
-    EXPECT_EQ(Host().Messages("user.err"),
-              (Strings{"Getting VlanID failed: Unsupported xbar type",
-                       "Setting VlanID failed: Unsupported xbar type",
-                       "Getting max number of active uplinks failed: Unsupported xbar type",
-                       "Getting uplinks failed: Unsupported xbar type",
-                       "Removing uplink hwport2 failed: Unsupported xbar type",
-                       "Adding uplink hwport2 failed: Unsupported xbar type"}));
-    EXPECT_EQ(vlan, 5);
-    EXPECT_EQ(uplinks, Strings{"kept"});
-    const json state = Host().State();
-    EXPECT_EQ(state["fabrics"][0]["ports"][0]["vlan"], 10) << "the fabric port is left alone";
-    EXPECT_FALSE(state["fabrics"][0]["uplinks"].contains("hwport2"))
-        << "the detach is not rolled back";
-}
-
 // The team's order is kept only with flag 16 set; without it the order starts empty and, on
 // removal, the policy is still written back.
 TEST_F(Switches, UplinkChangesFollowTheTeamingPolicy) {
     struct Case {
         const char* what;
-        bool add;
+        bool add; // hwport2, else remove hwport1
         std::function<void(json&)> teaming;
-        Strings switchUplinks, order;
+        Strings order;
         int count;
     };
     const auto none = [](json&) {};
+    const Strings all = {"hwport0", "hwport1", "hwport2"};
     for (const Case& c : {
-             Case{"add",
-                  true,
-                  none,
-                  {"hwport0", "hwport1", "hwport2"},
-                  {"hwport0", "hwport1", "hwport2"},
-                  2},
-             Case{"add, flag clear",
-                  true,
-                  [](json& t) { t["flags"] = 0; },
-                  {"hwport0", "hwport1", "hwport2"},
-                  {"hwport2"},
-                  1},
-             Case{"add, already in order",
-                  true,
-                  [](json& t) { t["uplinkOrder"].push_back("hwport2"); },
-                  {"hwport0", "hwport1", "hwport2"},
-                  {"hwport0", "hwport1", "hwport2"},
-                  2},
-             Case{"remove", false, none, {"hwport0"}, {"hwport0"}, 0},
+             Case{"add", true, none, all, 2},
+             Case{"add, flag clear", true, [](json& t) { t["flags"] = 0; }, {"hwport2"}, 1},
+             Case{"add, already in order", true,
+                  [](json& t) { t["uplinkOrder"].push_back("hwport2"); }, all, 2},
+             Case{"remove", false, none, {"hwport0"}, 0},
              Case{"remove, not in order",
                   false,
                   [](json& t) { t["uplinkOrder"] = {"hwport0"}; },
                   {"hwport0"},
-                  {"hwport0"},
                   1},
          }) {
+        SCOPED_TRACE(c.what);
         Create();
         Host().Edit([&](json& state) { c.teaming(Group(state, "Management Network")["teaming"]); });
         auto nic = Management();
         if (c.add) {
             Strings order;
             uint32_t count = 0;
-            ASSERT_TRUE(GetUplinks(nic.get(), order) && GetMaxActiveUplinks(nic.get(), count))
-                << c.what;
-            EXPECT_EQ(order, ManagementTeaming()["uplinkOrder"].get<Strings>()) << c.what;
-            EXPECT_EQ(count, ManagementTeaming()["maxActiveUplinks"].get<uint32_t>()) << c.what;
+            ASSERT_TRUE(GetUplinks(nic.get(), order) && GetMaxActiveUplinks(nic.get(), count));
+            EXPECT_EQ(order, ManagementTeaming()["uplinkOrder"].get<Strings>());
+            EXPECT_EQ(count, ManagementTeaming()["maxActiveUplinks"].get<uint32_t>());
         }
-        ASSERT_TRUE(c.add ? AddUplink(nic.get(), "hwport2") : RemoveUplink(nic.get(), "hwport1"))
-            << c.what;
-        EXPECT_EQ(SwitchUplinks(), c.switchUplinks) << c.what;
+        ASSERT_TRUE(c.add ? AddUplink(nic.get(), "hwport2") : RemoveUplink(nic.get(), "hwport1"));
+        EXPECT_EQ(SwitchUplinks(), c.add ? all : Strings{"hwport0"});
         const json teaming = ManagementTeaming();
-        EXPECT_EQ(teaming["uplinkOrder"].get<Strings>(), c.order) << c.what;
-        EXPECT_EQ(teaming["maxActiveUplinks"], c.count) << c.what;
+        EXPECT_EQ(teaming["uplinkOrder"].get<Strings>(), c.order);
+        EXPECT_EQ(teaming["maxActiveUplinks"], c.count);
         EXPECT_EQ(teaming["linkCriteria"]["checkSpeed"], "minimum")
-            << c.what << ": other fields travel unchanged";
-        EXPECT_TRUE(Host().Messages("user.err").empty()) << c.what;
+            << "other fields travel unchanged";
+        EXPECT_TRUE(Host().Messages("user.err").empty());
     }
 
     Create();
@@ -276,7 +254,7 @@ TEST_F(Switches, PhysicalNicOrder) {
     EXPECT_EQ(names.size(), 8u) << "a failed gathering leaves the list";
 }
 
-TEST_F(Switches, UplinkUsersFabricWinsOverStandardSwitch) {
+TEST_F(Switches, UplinkUsersFabricWinsAndAFailureStopsTheScan) {
     Create("fabric");
     Host().Edit([](json& state) { state["switches"][0]["uplinks"].push_back("hwport2"); });
     UplinkUsers users{{"hwport4", "stale"}, {"other", "kept"}};
@@ -286,16 +264,12 @@ TEST_F(Switches, UplinkUsersFabricWinsOverStandardSwitch) {
                                   {"hwport3", "fab-prod"},
                                   {"hwport4", ""},
                                   {"other", "kept"}}));
-}
 
-TEST_F(Switches, UplinkUsersStopAtTheFirstFailure) {
-    Create("fabric");
     Host().LibFault("VirtualSwitchInfoImpl::GetFabricSwitches", "fabric agent down");
-    UplinkUsers users;
-    EXPECT_FALSE(GatherUplinkUsers({"hwport0", "hwport2"}, users));
-    EXPECT_EQ(users, (UplinkUsers{{"hwport0", "switch0"}, {"hwport2", ""}}))
+    users.clear();
+    EXPECT_FALSE(GatherUplinkUsers({"hwport0", "hwport3"}, users));
+    EXPECT_EQ(users, (UplinkUsers{{"hwport0", "switch0"}, {"hwport3", ""}}))
         << "the first pass stays";
-
     Host().LibFault("VirtualSwitch::GetUplinks", "switch gone");
     EXPECT_FALSE(GatherUplinkUsers({"hwport0"}, users));
     EXPECT_EQ(Host().Messages("user.err"),
@@ -355,8 +329,7 @@ TEST(AdapterText, RowFitsItsColumns) {
 }
 
 TEST(AdapterText, DetailsNameEveryField) {
-    const AdapterInfo info{"hwport3", "N/A", "b0:26:28:4e:00:a3", "Connected", ""};
-    EXPECT_EQ(FormatAdapterDetails(info),
+    EXPECT_EQ(FormatAdapterDetails({"hwport3", "N/A", "b0:26:28:4e:00:a3", "Connected", ""}),
               "Hardware Label: N/A\nMAC Address: b0:26:28:4e:00:a3\nConnection Status: "
               "Connected\nUsed By: None");
 }
