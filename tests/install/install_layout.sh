@@ -21,7 +21,7 @@ rm -f "$stage.log"
 for program in "$LANYX_PROGRAM" "$HOSTSIM_PROGRAM" "$HOSTSIM_TOOL"; do
     [ -x "$stage$program" ] || fail "$program is not installed as a program"
 done
-for file in "$PAM_SERVICE" "$UNIT" "$PAM_MODULE"; do
+for file in "$PAM_SERVICE" "$UNIT_FILE" "$PAM_MODULE"; do
     [ -f "$stage$file" ] || fail "$file is not installed"
 done
 for page in "$MAN8" "$MAN1"; do
@@ -47,7 +47,7 @@ else
 fi
 
 # The unit: in place of the terminal's getty, restarted, on the terminal, given its number.
-unit="$stage$UNIT"
+unit="$stage$UNIT_FILE"
 for line in 'Conflicts=getty@%i.service' 'After=getty@%i.service' 'Restart=always' \
     'TTYPath=/dev/%I' 'StandardInput=tty' 'StandardOutput=tty' 'WantedBy=getty.target'; do
     grep -qx "$line" "$unit" || fail "the unit lacks $line"
