@@ -47,7 +47,7 @@ if(TARGET hostsim)
         HOSTSIM_INSTALLED_PAM_MODULE="${hostsim_installed_module}")
 endif()
 
-# Manual pages, compressed as Debian installs them; the pages are written by hand in doc/man.
+# Manual pages, compressed as Debian installs them; the pages are written by hand in docs/man.
 set(lanyx_man_pages lanyx.8:console)
 if(TARGET hostsim)
     list(APPEND lanyx_man_pages hostsim.1:hostsim)
@@ -61,8 +61,8 @@ foreach(entry IN LISTS lanyx_man_pages)
     string(REGEX REPLACE ".*\\." "" section "${page}")
     set(output ${CMAKE_BINARY_DIR}/man/${page}.gz)
     add_custom_command(OUTPUT ${output}
-        COMMAND sh -c "gzip -9 -n -c \"$1\" > \"$2\"" sh ${CMAKE_SOURCE_DIR}/doc/man/${page} ${output}
-        DEPENDS ${CMAKE_SOURCE_DIR}/doc/man/${page}
+        COMMAND sh -c "gzip -9 -n -c \"$1\" > \"$2\"" sh ${CMAKE_SOURCE_DIR}/docs/man/${page} ${output}
+        DEPENDS ${CMAKE_SOURCE_DIR}/docs/man/${page}
         COMMENT "Compressing manual page ${page}"
         VERBATIM)
     list(APPEND lanyx_man_outputs ${output})
