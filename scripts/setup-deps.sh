@@ -1,11 +1,13 @@
 #!/bin/sh
-# Installs what the build, the console and the tests need on Debian 12, only when missing.
+# Installs what the build, the console, the packages and the tests need on Debian 12, only when
+# missing.
 set -eu
 
 PACKAGES="cmake ninja-build g++ clang libclang-rt-14-dev pkg-config make
 libncurses-dev ncurses-term libpam0g-dev libboost-regex-dev libboost-filesystem-dev
 libboost-system-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev libvterm-dev
-faketime libfaketime locales openssl openssh-client less libcrypt-dev procps clang-format"
+faketime libfaketime locales openssl openssh-client less libcrypt-dev procps clang-format
+dpkg-dev file lintian groff-base man-db"
 
 missing=""
 for p in $PACKAGES; do

@@ -96,8 +96,7 @@ std::string Absolute(const std::string& dir) {
     return resolved;
 }
 
-void MakeToolScripts(const std::string& root, const std::string& programDir) {
-    const std::string tool = programDir + "/hostsim-tool";
+void MakeToolScripts(const std::string& root, const std::string& tool) {
     for (const ToolPath& entry : ToolPaths()) {
         WriteFile(RootPath(root, entry.path),
                   "#!/bin/sh\nexec " + tool + " --root " + root + " " + entry.tool + " \"$@\"\n",
@@ -195,7 +194,7 @@ const std::vector<ToolPath>& ToolPaths() {
     return paths;
 }
 
-void CreateRoot(const std::string& dir, const std::string& profile, const std::string& programDir,
+void CreateRoot(const std::string& dir, const std::string& profile, const Helpers& helpers,
                 bool force) {
     const Profile* chosen = FindProfile(profile);
     if (chosen == nullptr)
@@ -217,8 +216,8 @@ void CreateRoot(const std::string& dir, const std::string& profile, const std::s
     state["factory"] = FactoryCopy(state);
     store.Write(state);
 
-    MakeToolScripts(root, programDir);
-    WriteFile(RootPath(root, "/etc/pam.d/lanyx"), PamService(root, programDir));
+    MakeToolScripts(root, helpers.tool);
+    WriteFile(RootPath(root, "/etc/pam.d/lanyx"), PamService(root, helpers.pamModule));
     // PAM reads the fallback service whenever it opens a service folder; without one it logs an
     // error at every login. Any other service is refused.
     WriteFile(RootPath(root, "/etc/pam.d/other"),

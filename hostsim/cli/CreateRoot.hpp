@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/Helpers.hpp"
+
 namespace HostSim::Cli {
 
 // A failure to build the root; the text says what and where.
@@ -19,10 +21,9 @@ struct ToolPath {
 };
 const std::vector<ToolPath>& ToolPaths();
 
-// Builds the root at `dir` (created if missing) from the profile. `programDir` is the folder that
-// holds hostsim, hostsim-tool and pam_hostsim.so. Refuses a folder that already holds a host
-// unless `force`.
-void CreateRoot(const std::string& dir, const std::string& profile, const std::string& programDir,
+// Builds the root at `dir` (created if missing) from the profile; its tool scripts and its PAM
+// service call back into `helpers`. Refuses a folder that already holds a host unless `force`.
+void CreateRoot(const std::string& dir, const std::string& profile, const Helpers& helpers,
                 bool force);
 
 } // namespace HostSim::Cli

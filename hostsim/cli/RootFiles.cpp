@@ -23,12 +23,12 @@ std::string Address(const nlohmann::json& state) {
 
 } // namespace
 
-std::string PamService(const std::string& root, const std::string& programDir) {
-    const std::string module = programDir + "/pam_hostsim.so root=" + root;
+std::string PamService(const std::string& root, const std::string& module) {
+    const std::string entry = module + " root=" + root;
     std::string text = "# Console login of the simulated host\n";
     for (const char* type : {"auth", "account", "password", "session"}) {
         text += std::string(type) + std::string(9 - std::string(type).size(), ' ') + "required " +
-                module + "\n";
+                entry + "\n";
     }
     return text;
 }

@@ -9,7 +9,7 @@
 namespace HostSim::Cli {
 
 // /etc/pam.d/lanyx naming the simulated module by absolute path.
-std::string PamService(const std::string& root, const std::string& programDir);
+std::string PamService(const std::string& root, const std::string& module);
 
 // /etc/zephora/support: three pages.
 std::string SupportFile(const nlohmann::json& state);

@@ -10,6 +10,7 @@
 
 #include "cli/Commands.hpp"
 #include "cli/CreateRoot.hpp"
+#include "cli/Helpers.hpp"
 #include "cli/Profiles.hpp"
 #include "store/StateStore.hpp"
 
@@ -47,17 +48,15 @@ void Help(std::ostream& out) {
         out << "  " << name << "\n";
 }
 
-// The folder of this program, where hostsim-tool and pam_hostsim.so are built too.
-std::string ProgramDir() {
+// The programs the root calls, found from this program's own folder.
+Helpers ProgramHelpers() {
     char path[PATH_MAX];
     ssize_t length = ::readlink("/proc/self/exe", path, sizeof path - 1);
     if (length <= 0)
         throw CreateError("Cannot find the hostsim program's folder");
     path[length] = '\0';
-    std::string dir = std::filesystem::path(path).parent_path().string();
-    if (::access((dir + "/hostsim-tool").c_str(), F_OK) == 0)
-        return dir;
-    return HOSTSIM_PROGRAM_DIR;
+    return FindHelpers(std::filesystem::path(path).parent_path().string(), HOSTSIM_INSTALLED_TOOL,
+                       HOSTSIM_INSTALLED_PAM_MODULE);
 }
 
 // A root given on the command line must hold a host already.
@@ -110,7 +109,7 @@ int Run(const std::vector<std::string>& args) {
             throw UsageError("usage: hostsim create DIR [--profile NAME]");
         if (FindProfile(profile) == nullptr)
             throw UsageError("Unknown profile \"" + profile + "\" (hostsim profiles lists them)");
-        CreateRoot(dir, profile, ProgramDir(), force);
+        CreateRoot(dir, profile, ProgramHelpers(), force);
         return 0;
     }
     if (command == "state") {
