@@ -86,23 +86,62 @@ const std::vector<std::string> kEndlessWaits = {"Shutdown in progress...", "Rest
 }
 
 std::string RandomKey(std::mt19937& random) {
-    static const std::vector<std::string> named = {
-        "\x1bOA",  "\x1bOB",  "\x1bOC",   "\x1bOD",   "\x1bOH",   "\x1bOF",   "\x1b[2~",
-        "\x1b[3~", "\x1b[5~", "\x1b[6~",  "\x1bOP",   "\x1bOQ",   "\x1bOR",   "\x1bOS",
-        "\x1b[15~", "\x1b[17~", "\x1b[18~", "\x1b[19~", "\x1b[20~", "\x1b[21~", "\x1b[23~",
-        "\x1b[24~", "\x1b[A",  "\x1b[D",  "\x1b[M",   "\x1b[X",   "\x1bOW",   "\x1bOY",
-        "\x1b" "1",   "\x1b" "0",   "\x1bh",   "\x1bk",    "\x1b+",    "\x1b?",    "\x1b/",
-        "\r",      "\t",      "\x7f",    "\x1b",     " ",        "\xc3\xa9", "\xe2\x82\xac"};
+    static const std::vector<std::string> named = {"\x1bOA",
+                                                   "\x1bOB",
+                                                   "\x1bOC",
+                                                   "\x1bOD",
+                                                   "\x1bOH",
+                                                   "\x1bOF",
+                                                   "\x1b[2~",
+                                                   "\x1b[3~",
+                                                   "\x1b[5~",
+                                                   "\x1b[6~",
+                                                   "\x1bOP",
+                                                   "\x1bOQ",
+                                                   "\x1bOR",
+                                                   "\x1bOS",
+                                                   "\x1b[15~",
+                                                   "\x1b[17~",
+                                                   "\x1b[18~",
+                                                   "\x1b[19~",
+                                                   "\x1b[20~",
+                                                   "\x1b[21~",
+                                                   "\x1b[23~",
+                                                   "\x1b[24~",
+                                                   "\x1b[A",
+                                                   "\x1b[D",
+                                                   "\x1b[M",
+                                                   "\x1b[X",
+                                                   "\x1bOW",
+                                                   "\x1bOY",
+                                                   "\x1b"
+                                                   "1",
+                                                   "\x1b"
+                                                   "0",
+                                                   "\x1bh",
+                                                   "\x1bk",
+                                                   "\x1b+",
+                                                   "\x1b?",
+                                                   "\x1b/",
+                                                   "\r",
+                                                   "\t",
+                                                   "\x7f",
+                                                   "\x1b",
+                                                   " ",
+                                                   "\xc3\xa9",
+                                                   "\xe2\x82\xac"};
     std::uniform_int_distribution<int> kind(0, 99);
     const int k = kind(random);
     if (k < 40)
-        return std::string(1, static_cast<char>(std::uniform_int_distribution<int>(32, 126)(random)));
+        return std::string(1,
+                           static_cast<char>(std::uniform_int_distribution<int>(32, 126)(random)));
     if (k < 80)
         return named[std::uniform_int_distribution<size_t>(0, named.size() - 1)(random)];
     if (k < 88) // control bytes
         return std::string(1, static_cast<char>(std::uniform_int_distribution<int>(0, 31)(random)));
     if (k < 96) // a byte that starts or continues no valid UTF-8 here
-        return std::string(1, static_cast<char>(std::uniform_int_distribution<int>(128, 255)(random)));
+        return std::string(1,
+                           static_cast<char>(std::uniform_int_distribution<int>(128, 255)(random)));
     // An escape sequence of random parameters and final byte.
     std::string sequence = "\x1b[";
     for (int n = std::uniform_int_distribution<int>(0, 6)(random); n > 0; --n)
@@ -151,8 +190,8 @@ public:
             Console& console = s->Screen();
             console.Pump();
             const bool ended = !console.Running();
-            bool expected = ended && console.Exit() && console.Exit()->Exited() &&
-                            console.Exit()->Code() == 0;
+            bool expected =
+                ended && console.Exit() && console.Exit()->Exited() && console.Exit()->Code() == 0;
             for (const std::string& text : kEndlessWaits)
                 expected = expected || (!ended && console.Find(text));
             if (!expected || SanitizerReport(console))

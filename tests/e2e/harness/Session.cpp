@@ -16,7 +16,10 @@ void Session::Restart(SessionOptions options) {
     if (options.prepare)
         options.prepare(*host_);
     ConsoleOptions start;
-    start.argv.push_back(options.keyTestFrame ? KeyTestBinary() : LanyxBinary());
+    start.argv = options.launcher;
+    start.argv.push_back(!options.program.empty() ? options.program
+                         : options.keyTestFrame   ? KeyTestBinary()
+                                                  : LanyxBinary());
     start.argv.insert(start.argv.end(), options.args.begin(), options.args.end());
     start.hostRoot = host_->Path();
     start.term = options.term;

@@ -40,6 +40,8 @@ struct SessionOptions {
     std::string faketime{};          // accelerated clock, e.g. "+0 x100"; such tests run serially
     std::vector<std::string> args{}; // the console's arguments
     bool keyTestFrame = false;       // the bare key test frame in place of the welcome screen
+    std::vector<std::string> launcher{}; // put before the program, e.g. valgrind and its options
+    std::string program{};               // another console binary than the built one
 };
 
 class Session {
