@@ -3,6 +3,7 @@
 
 #include <crypt.h>
 
+#include <cstdio>
 #include <functional>
 #include <stdexcept>
 
@@ -199,6 +200,90 @@ void Lockdown(json& state) {
     state["lockdown"] = {{"enabled", true}, {"possible", true}};
 }
 
+// A big host: 256 NICs and 1000 port groups. Management keeps switch0 with hwport0 and hwport1;
+// fifteen more switches hold twelve uplinks each, a fabric holds the last six NICs and the NICs
+// between are free.
+void Large(json& state) {
+    constexpr int kNics = 256;
+    constexpr int kSwitches = 16;
+    constexpr int kUplinksPerSwitch = 12;
+    constexpr int kPortGroups = 1000;
+    constexpr int kFirstFabricNic = kNics - 6;
+
+    const char* const labels[] = {"Tessellate Ethernet Controller X710 for 10GbE SFP+",
+                                  "Tessellate Ethernet Controller  E810-XXV for SFP ",
+                                  "Broadline NetXtreme BCM5720 Gigabit Ethernet", nullptr};
+    const char* const drivers[] = {"i40en", "icen", "ntg3", "ntg3"};
+    const int speeds[] = {10000, 25000, 1000, 1000};
+    json pnics = json::array();
+    for (int n = 0; n < kNics; ++n) {
+        const int model = n % 4;
+        // Every seventh NIC has no cable, the two management NICs always have one.
+        const bool link = n < 2 || n % 7 != 3;
+        char mac[32];
+        std::snprintf(mac, sizeof mac, "3c:fd:fe:b2:%02x:%02x", n / 256, n % 256);
+        pnics.push_back({{"name", "hwport" + std::to_string(n)},
+                         {"pciLabel", labels[model] ? json(labels[model]) : json(nullptr)},
+                         {"mac", mac},
+                         {"link", link},
+                         {"speedMbps", link ? speeds[model] : 0},
+                         {"driver", drivers[model]}});
+    }
+    state["pnics"] = pnics;
+
+    json& switches = state["switches"];
+    const json teaming = switches[0]["teaming"];
+    for (int s = 1; s < kSwitches; ++s) {
+        json uplinks = json::array();
+        for (int u = 0; u < kUplinksPerSwitch; ++u)
+            uplinks.push_back("hwport" + std::to_string(2 + (s - 1) * kUplinksPerSwitch + u));
+        json switchTeaming = teaming;
+        switchTeaming["uplinkOrder"] = uplinks;
+        switches.push_back({{"name", "switch" + std::to_string(s)},
+                            {"uplinks", uplinks},
+                            {"portGroups", json::array()},
+                            {"numPorts", 4096},
+                            {"usedPorts", kUplinksPerSwitch},
+                            {"configuredPorts", 1024},
+                            {"mtu", s % 4 == 0 ? 9000 : 1500},
+                            {"teaming", switchTeaming}});
+    }
+
+    json& groups = state["portGroups"];
+    for (int g = static_cast<int>(groups.size()); g < kPortGroups; ++g) {
+        json& owner = switches[static_cast<size_t>(g % kSwitches)];
+        char name[16];
+        std::snprintf(name, sizeof name, "pg-%04d", g);
+        owner["portGroups"].push_back(name);
+        owner["usedPorts"] = owner["usedPorts"].get<int>() + g % 3;
+        groups.push_back({{"name", name},
+                          {"switch", owner["name"]},
+                          {"vlan", 100 + g},
+                          {"activeClients", g % 3},
+                          {"teaming", owner["teaming"]}});
+    }
+
+    json fabricUplinks = json::object();
+    json ports = json::array();
+    for (int n = kFirstFabricNic; n < kNics; ++n) {
+        const std::string portId = std::to_string(200 + n - kFirstFabricNic);
+        const std::string key = "uplink" + std::to_string(1 + n - kFirstFabricNic);
+        fabricUplinks["hwport" + std::to_string(n)] = {{"portId", portId}, {"portKey", key}};
+        ports.push_back({{"id", portId},
+                         {"name", key},
+                         {"portGroup", "fportgroup-uplinks"},
+                         {"vlan", 0},
+                         {"hostLocal", false},
+                         {"blocked", false},
+                         {"properties", json::object()}});
+    }
+    state["fabrics"] = json::array({{{"name", "fab-storage"},
+                                     {"id", "50 0c 3a 1e 77 21 4b 09-8e 3d 02 aa 5f 61 c0 2e"},
+                                     {"lanyxOwned", false},
+                                     {"uplinks", fabricUplinks},
+                                     {"ports", ports}}});
+}
+
 const std::vector<std::pair<Profile, std::function<void(json&)>>>& Table() {
     static const std::vector<std::pair<Profile, std::function<void(json&)>>> table = {
         {{"default", "static IPv4 host on a standard switch with two uplinks, four NICs", true},
@@ -234,6 +319,7 @@ const std::vector<std::pair<Profile, std::function<void(json&)>>>& Table() {
         {{"gridmesh", "overlay network agent present at version 3", true}, Gridmesh},
         {{"ipv6", "several IPv6 addresses of every type on the management interface", true}, Ipv6},
         {{"lockdown", "lockdown mode enabled", true}, Lockdown},
+        {{"large", "256 NICs on sixteen switches and a fabric, 1000 port groups", true}, Large},
         {{"no-login", "console closed for login (no login marker)", false}, nullptr},
     };
     return table;

@@ -62,7 +62,8 @@ private:
 } // namespace
 
 Keelson::Adv::AdvancedOption* AdvancedOptionImpl::FindOption(const std::string& name) {
-    nlohmann::json state = HostSim::Platform::StateFor({"AdvancedOptionImpl::FindOption"});
+    const auto document = HostSim::Platform::StateFor({"AdvancedOptionImpl::FindOption"});
+    const nlohmann::json& state = *document;
     auto options = state.find("advancedOptions");
     if (options == state.end() || !options->is_object())
         return nullptr;
@@ -79,7 +80,8 @@ Keelson::Adv::AdvancedOption* AdvancedOptionImpl::FindOption(const std::string& 
 }
 
 bool UserAdvancedOptionImpl::HasUserOption(const std::string& name) {
-    nlohmann::json state = HostSim::Platform::StateFor({"UserAdvancedOptionImpl::HasUserOption"});
+    const auto document = HostSim::Platform::StateFor({"UserAdvancedOptionImpl::HasUserOption"});
+    const nlohmann::json& state = *document;
     auto options = state.find("userOptions");
     return options != state.end() && options->is_object() && options->contains(name);
 }

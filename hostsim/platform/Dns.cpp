@@ -25,6 +25,16 @@ json& Dns(json& state) {
     return Object(Object(state, "network"), "dns");
 }
 
+// The DNS section of a state as read; an empty object where it is missing or of another type.
+const json& Dns(const json& state) {
+    static const json empty = json::object();
+    const auto object = [](const json& parent, const char* key) -> const json& {
+        const auto found = parent.find(key);
+        return found != parent.end() && found->is_object() ? *found : empty;
+    };
+    return object(object(state, "network"), "dns");
+}
+
 // One change of the DNS section; it is live at once and unsaved until SaveConfig.
 void ChangeDns(const char* operation, const std::function<void(json& state, json& dns)>& change) {
     UpdateState([&](json& state) {
@@ -73,7 +83,8 @@ namespace TesselCtl::Network {
 
 void DnsConfigImpl::Refresh() {
     CheckStack(stack_);
-    json state = StateFor({"DnsConfigImpl::Refresh"});
+    const auto document = StateFor({"DnsConfigImpl::Refresh"});
+    const json& state = *document;
     const json dns = Dns(state);
     searchDomains_ = Strings(dns, "searchDomains");
     nameServers_.clear();
@@ -88,21 +99,22 @@ void DnsConfigImpl::Refresh() {
 }
 
 std::vector<std::string> DnsConfigImpl::GetSearchDomains() {
-    CheckFault(HostSim::Platform::ReadState(), {"DnsConfigImpl::GetSearchDomains"});
+    CheckFault(*HostSim::Platform::ReadState(), {"DnsConfigImpl::GetSearchDomains"});
     if (stale_)
         Refresh();
     return searchDomains_;
 }
 
 std::vector<KN::Ipv4Address> DnsConfigImpl::GetNameServers() {
-    CheckFault(HostSim::Platform::ReadState(), {"DnsConfigImpl::GetNameServers"});
+    CheckFault(*HostSim::Platform::ReadState(), {"DnsConfigImpl::GetNameServers"});
     if (stale_)
         Refresh();
     return nameServers_;
 }
 
 std::vector<KN::Ipv6Address> DnsConfigImpl::GetIpv6NameServers(bool dhcpOnly) {
-    json state = StateFor({"DnsConfigImpl::GetIpv6NameServers"});
+    const auto document = StateFor({"DnsConfigImpl::GetIpv6NameServers"});
+    const json& state = *document;
     if (stale_)
         Refresh();
     if (dhcpOnly && !Dns(state).value("dhcp", false))
@@ -231,7 +243,7 @@ RoutingInfoImpl::RoutingInfoImpl(std::string stack) : stack_(std::move(stack)) {
 KN::Ipv4Address RoutingInfoImpl::GetTesselDefaultGateway() const {
     CheckStack(stack_);
     return V4(Text(
-        StateFor({"RoutingInfoImpl::GetTesselDefaultGateway"}).value("network", json::object()),
+        StateFor({"RoutingInfoImpl::GetTesselDefaultGateway"})->value("network", json::object()),
         "gateway"));
 }
 
@@ -245,9 +257,9 @@ void RoutingInfoImpl::SetTesselDefaultGateway(const KN::Ipv4Address& gateway, bo
 
 KN::Ipv6Address RoutingInfoImpl::GetIpv6TesselDefaultGateway() const {
     CheckStack(stack_);
-    return V6(Text(
-        StateFor({"RoutingInfoImpl::GetIpv6TesselDefaultGateway"}).value("network", json::object()),
-        "ipv6Gateway"));
+    return V6(Text(StateFor({"RoutingInfoImpl::GetIpv6TesselDefaultGateway"})
+                       ->value("network", json::object()),
+                   "ipv6Gateway"));
 }
 
 void RoutingInfoImpl::SetIpv6TesselDefaultGateway(const KN::Ipv6Address& gateway) {

@@ -11,7 +11,8 @@ namespace {
 using nlohmann::json;
 
 json HardwareSection(std::initializer_list<const char*> operations) {
-    json state = HostSim::Platform::StateFor(operations);
+    const auto document = HostSim::Platform::StateFor(operations);
+    const json& state = *document;
     json hardware = state.value("hardware", json::object());
     return hardware.is_object() ? hardware : json::object();
 }

@@ -5,9 +5,9 @@
 
 namespace HostSim::Platform {
 
-nlohmann::json ReadState() {
+StateDocument ReadState() {
     try {
-        return StateStore(HostRoot()).Read();
+        return StateStore(HostRoot()).Snapshot();
     } catch (const StateError& e) {
         throw Keelson::Lib::KeelsonException(e.what());
     }
@@ -46,9 +46,9 @@ void CheckFault(const nlohmann::json& state, std::initializer_list<const char*> 
     }
 }
 
-nlohmann::json StateFor(std::initializer_list<const char*> operations) {
-    nlohmann::json state = ReadState();
-    CheckFault(state, operations);
+StateDocument StateFor(std::initializer_list<const char*> operations) {
+    StateDocument state = ReadState();
+    CheckFault(*state, operations);
     return state;
 }
 

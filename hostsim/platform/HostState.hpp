@@ -2,14 +2,19 @@
 #pragma once
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
 namespace HostSim::Platform {
 
-// The state document, read fresh; a StateError becomes a KeelsonException with the same text.
-nlohmann::json ReadState();
+// The state document as the file holds it now, shared and never changed in place: a library
+// call reads a big host's state without parsing or copying it again while the file is unchanged.
+using StateDocument = std::shared_ptr<const nlohmann::json>;
+
+// The state document now; a StateError becomes a KeelsonException with the same text.
+StateDocument ReadState();
 
 // Read-modify-write of the state, with the same error conversion.
 void UpdateState(const std::function<void(nlohmann::json&)>& change);
@@ -18,7 +23,7 @@ void UpdateState(const std::function<void(nlohmann::json&)>& change);
 void CheckFault(const nlohmann::json& state, std::initializer_list<const char*> operations);
 
 // ReadState + CheckFault, the first thing most operations do.
-nlohmann::json StateFor(std::initializer_list<const char*> operations);
+StateDocument StateFor(std::initializer_list<const char*> operations);
 
 // The text of a lib fault set for the operation, or empty.
 std::string FaultText(const nlohmann::json& state, const char* operation);

@@ -49,11 +49,23 @@ std::vector<std::string> Strings(const json& object, const char* key) {
     return result;
 }
 
+namespace {
+
+// Compared in place: a look-up by name walks every entry, and a big host has hundreds.
+bool HasName(const json& entry, const std::string& name) {
+    if (!entry.is_object())
+        return false;
+    const auto it = entry.find("name");
+    return it != entry.end() && it->is_string() && it->get_ref<const std::string&>() == name;
+}
+
+} // namespace
+
 json* Named(json& array, const std::string& name) {
     if (!array.is_array())
         return nullptr;
     for (json& entry : array)
-        if (Text(entry, "name") == name)
+        if (HasName(entry, name))
             return &entry;
     return nullptr;
 }
@@ -62,7 +74,7 @@ const json* Named(const json& array, const std::string& name) {
     if (!array.is_array())
         return nullptr;
     for (const json& entry : array)
-        if (Text(entry, "name") == name)
+        if (HasName(entry, name))
             return &entry;
     return nullptr;
 }
@@ -74,10 +86,13 @@ json& Require(json& state, const char* section, const std::string& name, const c
     return *entry;
 }
 
+const json* Find(const json& state, const char* section, const std::string& name) {
+    return state.is_object() && state.contains(section) ? Named(state.at(section), name) : nullptr;
+}
+
 const json& Require(const json& state, const char* section, const std::string& name,
                     const char* what) {
-    const json* entry =
-        state.is_object() && state.contains(section) ? Named(state.at(section), name) : nullptr;
+    const json* entry = Find(state, section, name);
     if (entry == nullptr)
         throw KeelsonException(std::string(what) + " " + name + " not found");
     return *entry;
@@ -344,7 +359,7 @@ public:
 
 private:
     json Read(const char* operation) const {
-        return Require(StateFor({operation}), "switches", name_, "Standard switch");
+        return Require(*StateFor({operation}), "switches", name_, "Standard switch");
     }
     void Change(const char* operation, const std::function<void(json&, json&)>& change) {
         UpdateState([&](json& state) {
@@ -399,7 +414,7 @@ public:
 
 private:
     json Read(const char* operation) const {
-        return Require(StateFor({operation}), "fabrics", name_, "Fabric");
+        return Require(*StateFor({operation}), "fabrics", name_, "Fabric");
     }
 
     std::string name_;
@@ -407,6 +422,16 @@ private:
 
 json* FindPort(json& fabric, const std::string& id) {
     for (json& port : Array(fabric, "ports"))
+        if (Text(port, "id") == id)
+            return &port;
+    return nullptr;
+}
+
+const json* FindPort(const json& fabric, const std::string& id) {
+    const auto ports = fabric.find("ports");
+    if (ports == fabric.end() || !ports->is_array())
+        return nullptr;
+    for (const json& port : *ports)
         if (Text(port, "id") == id)
             return &port;
     return nullptr;
@@ -429,7 +454,7 @@ public:
         return new SimFabric(fabric_);
     }
     std::string GetFabricId() const override {
-        return Text(Require(StateFor({"FabricPort::GetFabricId"}), "fabrics", fabric_, "Fabric"),
+        return Text(Require(*StateFor({"FabricPort::GetFabricId"}), "fabrics", fabric_, "Fabric"),
                     "id");
     }
     std::string GetFabricPortId() const override {
@@ -617,8 +642,9 @@ public:
 
 private:
     json Read(const char* operation) const {
-        json state = StateFor({operation});
-        json* port = FindPort(Require(state, "fabrics", fabric_, "Fabric"), id_);
+        const auto document = StateFor({operation});
+        const json& state = *document;
+        const json* port = FindPort(Require(state, "fabrics", fabric_, "Fabric"), id_);
         if (port == nullptr)
             throw KeelsonException("Fabric port " + id_ + " not found on " + fabric_);
         return *port;
@@ -663,7 +689,8 @@ public:
 
     std::string GetName() const override { return name_; }
     KN::VirtualSwitch* GetVirtualSwitch() const override {
-        json state = StateFor({"PortGroup::GetVirtualSwitch"});
+        const auto document = StateFor({"PortGroup::GetVirtualSwitch"});
+        const json& state = *document;
         const std::string name = Text(Require(state, "portGroups", name_, "Port group"), "switch");
         Require(state, "switches", name, "Standard switch");
         return new SimVirtualSwitch(name);
@@ -689,7 +716,7 @@ public:
 
 private:
     json Read(const char* operation) const {
-        return Require(StateFor({operation}), "portGroups", name_, "Port group");
+        return Require(*StateFor({operation}), "portGroups", name_, "Port group");
     }
     void Change(const char* operation, const std::function<void(json&)>& change) {
         UpdateState([&](json& state) {
@@ -768,7 +795,7 @@ class SimPciDevice final : public KN::PciDevice {
 public:
     explicit SimPciDevice(std::string pnic) : pnic_(std::move(pnic)) {}
     std::string GetName() const override {
-        const json nic = Require(StateFor({"PciDevice::GetName"}), "pnics", pnic_, "Physical NIC");
+        const json nic = Require(*StateFor({"PciDevice::GetName"}), "pnics", pnic_, "Physical NIC");
         return Text(nic, "pciLabel");
     }
 
@@ -785,7 +812,8 @@ namespace TesselCtl::Network {
 TesselNicImpl::TesselNicImpl(std::string name) : name_(std::move(name)) {}
 
 void TesselNicImpl::Refresh() {
-    const json state = StateFor({"TesselNicImpl::Refresh"});
+    const auto document = StateFor({"TesselNicImpl::Refresh"});
+    const json& state = *document;
     const json& nic = Interface(state, name_);
     ipConfig_ = IpConfigFrom(state, nic, false);
     configuredIpConfig_ = IpConfigFrom(state, nic, true);
@@ -802,7 +830,8 @@ void TesselNicImpl::RefreshIfStale() {
 }
 
 KN::ConnectionPoint* TesselNicImpl::GetConnectionPoint() const {
-    const json state = StateFor({"TesselNicImpl::GetConnectionPoint"});
+    const auto document = StateFor({"TesselNicImpl::GetConnectionPoint"});
+    const json& state = *document;
     const json connection = Interface(state, name_).value("connection", json());
     if (!connection.is_object())
         return nullptr;
@@ -828,7 +857,7 @@ std::string TesselNicImpl::GetName() const {
 
 KN::MacAddress TesselNicImpl::GetMacAddress() const {
     return KN::MacAddress(
-        Text(Interface(StateFor({"TesselNicImpl::GetMacAddress"}), name_), "mac"));
+        Text(Interface(*StateFor({"TesselNicImpl::GetMacAddress"}), name_), "mac"));
 }
 
 void TesselNicImpl::SetMacAddress(const KN::MacAddress& mac) {
@@ -884,7 +913,7 @@ void TesselNicImpl::Disable() {
 }
 
 bool TesselNicImpl::IsEnabled() const {
-    return Interface(StateFor({"TesselNicImpl::IsEnabled"}), name_).value("enabled", true);
+    return Interface(*StateFor({"TesselNicImpl::IsEnabled"}), name_).value("enabled", true);
 }
 
 void TesselNicImpl::ConnectTo(const KN::ConnectionPoint& point, bool) {
@@ -925,13 +954,13 @@ void TesselNicImpl::ConnectTo(const KN::ConnectionPoint& point, bool) {
 }
 
 KN::IpConfig TesselNicImpl::GetIpConfig() {
-    CheckFault(HostSim::Platform::ReadState(), {"TesselNicImpl::GetIpConfig"});
+    CheckFault(*HostSim::Platform::ReadState(), {"TesselNicImpl::GetIpConfig"});
     RefreshIfStale();
     return ipConfig_;
 }
 
 KN::IpConfig TesselNicImpl::GetConfiguredIpConfig() {
-    CheckFault(HostSim::Platform::ReadState(), {"TesselNicImpl::GetConfiguredIpConfig"});
+    CheckFault(*HostSim::Platform::ReadState(), {"TesselNicImpl::GetConfiguredIpConfig"});
     RefreshIfStale();
     return configuredIpConfig_;
 }
@@ -945,13 +974,13 @@ void TesselNicImpl::SetIpConfig(const KN::IpConfig& config) {
 }
 
 KN::Ipv4Address TesselNicImpl::GetDhcpServer() {
-    CheckFault(HostSim::Platform::ReadState(), {"TesselNicImpl::GetDhcpServer"});
+    CheckFault(*HostSim::Platform::ReadState(), {"TesselNicImpl::GetDhcpServer"});
     RefreshIfStale();
     return dhcpServer_;
 }
 
 bool TesselNicImpl::GetDhcpBound() {
-    CheckFault(HostSim::Platform::ReadState(), {"TesselNicImpl::GetDhcpBound"});
+    CheckFault(*HostSim::Platform::ReadState(), {"TesselNicImpl::GetDhcpBound"});
     RefreshIfStale();
     return dhcpBound_;
 }
@@ -1005,13 +1034,13 @@ bool PnicImpl::GetLinkState() const {
 }
 
 void PnicImpl::Refresh() {
-    const json nic = Require(StateFor({"PnicImpl::Refresh"}), "pnics", name_, "Physical NIC");
+    const json nic = Require(*StateFor({"PnicImpl::Refresh"}), "pnics", name_, "Physical NIC");
     mac_ = KN::MacAddress(Text(nic, "mac"));
     link_ = nic.value("link", false);
 }
 
 KN::PciDevice* PnicImpl::GetPciDevice() const {
-    const json nic = Require(StateFor({"PnicImpl::GetPciDevice"}), "pnics", name_, "Physical NIC");
+    const json nic = Require(*StateFor({"PnicImpl::GetPciDevice"}), "pnics", name_, "Physical NIC");
     auto label = nic.find("pciLabel");
     if (label == nic.end() || !label->is_string())
         return nullptr;
@@ -1025,7 +1054,8 @@ void NetworkInfoImpl::UpdateManagementInterface() {
 }
 
 KN::NetworkInterface* NetworkInfoImpl::GetManagementInterface() const {
-    const json state = StateFor({"NetworkInfoImpl::GetManagementInterface"});
+    const auto document = StateFor({"NetworkInfoImpl::GetManagementInterface"});
+    const json& state = *document;
     const json network = state.value("network", json::object());
     const std::string name = Text(network, "managementInterface");
     if (name.empty() || Named(network.value("interfaces", json::array()), name) == nullptr)
@@ -1034,7 +1064,8 @@ KN::NetworkInterface* NetworkInfoImpl::GetManagementInterface() const {
 }
 
 std::vector<std::unique_ptr<KN::Pnic>> NetworkInfoImpl::GetPnics(int) const {
-    const json state = StateFor({"NetworkInfoImpl::GetPnics"});
+    const auto document = StateFor({"NetworkInfoImpl::GetPnics"});
+    const json& state = *document;
     std::vector<std::unique_ptr<KN::Pnic>> pnics;
     for (const json& nic : state.value("pnics", json::array())) {
         auto pnic = std::make_unique<PnicImpl>(Text(nic, "name"));
@@ -1046,7 +1077,8 @@ std::vector<std::unique_ptr<KN::Pnic>> NetworkInfoImpl::GetPnics(int) const {
 }
 
 std::vector<std::unique_ptr<KN::PortGroup>> NetworkInfoImpl::GetAllPortGroups(int) const {
-    const json state = StateFor({"NetworkInfoImpl::GetAllPortGroups"});
+    const auto document = StateFor({"NetworkInfoImpl::GetAllPortGroups"});
+    const json& state = *document;
     std::vector<std::unique_ptr<KN::PortGroup>> groups;
     for (const json& group : state.value("portGroups", json::array()))
         groups.push_back(std::make_unique<SimPortGroup>(Text(group, "name")));
@@ -1055,7 +1087,7 @@ std::vector<std::unique_ptr<KN::PortGroup>> NetworkInfoImpl::GetAllPortGroups(in
 
 bool NetworkInfoImpl::IsTesselIpv6Enabled() const {
     return StateFor({"NetworkInfoImpl::IsTesselIpv6Enabled"})
-        .value("network", json::object())
+        ->value("network", json::object())
         .value("ipv6Enabled", false);
 }
 
@@ -1150,7 +1182,8 @@ void NetworkInfoImpl::AutoConfigNetwork() {
 // ---- TesselNicInfoImpl, VirtualSwitchInfoImpl
 
 std::vector<std::unique_ptr<KN::NetworkInterface>> TesselNicInfoImpl::GetTesselNics(int) const {
-    const json state = StateFor({"TesselNicInfoImpl::GetTesselNics"});
+    const auto document = StateFor({"TesselNicInfoImpl::GetTesselNics"});
+    const json& state = *document;
     std::vector<std::unique_ptr<KN::NetworkInterface>> nics;
     for (const json& nic :
          state.value("network", json::object()).value("interfaces", json::array()))
@@ -1160,7 +1193,8 @@ std::vector<std::unique_ptr<KN::NetworkInterface>> TesselNicInfoImpl::GetTesselN
 
 std::vector<std::unique_ptr<KN::VirtualSwitch>>
 VirtualSwitchInfoImpl::GetVirtualSwitches(int) const {
-    const json state = StateFor({"VirtualSwitchInfoImpl::GetVirtualSwitches"});
+    const auto document = StateFor({"VirtualSwitchInfoImpl::GetVirtualSwitches"});
+    const json& state = *document;
     std::vector<std::unique_ptr<KN::VirtualSwitch>> switches;
     for (const json& sw : state.value("switches", json::array()))
         switches.push_back(std::make_unique<SimVirtualSwitch>(Text(sw, "name")));
@@ -1168,7 +1202,8 @@ VirtualSwitchInfoImpl::GetVirtualSwitches(int) const {
 }
 
 std::vector<std::unique_ptr<KN::FabricSwitch>> VirtualSwitchInfoImpl::GetFabricSwitches() const {
-    const json state = StateFor({"VirtualSwitchInfoImpl::GetFabricSwitches"});
+    const auto document = StateFor({"VirtualSwitchInfoImpl::GetFabricSwitches"});
+    const json& state = *document;
     std::vector<std::unique_ptr<KN::FabricSwitch>> fabrics;
     for (const json& fabric : state.value("fabrics", json::array()))
         fabrics.push_back(std::make_unique<SimFabric>(Text(fabric, "name")));
@@ -1198,14 +1233,15 @@ KN::VirtualSwitch* VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& na
 }
 
 bool PortsetImpl::IsValidVirtualSwitch(const std::string& name) {
-    json state = StateFor({"PortsetImpl::IsValidVirtualSwitch"});
-    return Named(Array(state, "switches"), name) != nullptr ||
-           Named(Array(state, "fabrics"), name) != nullptr;
+    const auto document = StateFor({"PortsetImpl::IsValidVirtualSwitch"});
+    const json& state = *document;
+    return Find(state, "switches", name) != nullptr || Find(state, "fabrics", name) != nullptr;
 }
 
 bool PortGroupImpl::IsValidPortGroup(const std::string& name) {
-    json state = StateFor({"PortGroupImpl::IsValidPortGroup"});
-    return Named(Array(state, "portGroups"), name) != nullptr;
+    const auto document = StateFor({"PortGroupImpl::IsValidPortGroup"});
+    const json& state = *document;
+    return Find(state, "portGroups", name) != nullptr;
 }
 
 KN::FabricPort* FabricPortImpl::CreateFabricPort(const KN::FabricPortParam& param,

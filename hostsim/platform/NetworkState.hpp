@@ -21,6 +21,9 @@ std::vector<std::string> Strings(const nlohmann::json& object, const char* key);
 // The entry of the array whose "name" is name, or null.
 nlohmann::json* Named(nlohmann::json& array, const std::string& name);
 const nlohmann::json* Named(const nlohmann::json& array, const std::string& name);
+// The named entry of state[section], or null.
+const nlohmann::json* Find(const nlohmann::json& state, const char* section,
+                           const std::string& name);
 // The named entry of state[section]; throws KeelsonException("<what> <name> not found").
 nlohmann::json& Require(nlohmann::json& state, const char* section, const std::string& name,
                         const char* what);

@@ -12,7 +12,8 @@ extern "C" {
 
 int NotaUserLib_Init(void) {
     try {
-        nlohmann::json state = HostSim::Platform::ReadState();
+        const auto document = HostSim::Platform::ReadState();
+        const nlohmann::json& state = *document;
         if (!HostSim::Platform::FaultText(state, "NotaUserLib_Init").empty())
             return 5;
         return 0;

@@ -61,7 +61,8 @@ bool FillNode(const nlohmann::json& state, ProbeNode node, void* record, size_t 
 
 extern "C" int Probe_Get(ProbeNode node, void* buffer, size_t size) {
     try {
-        nlohmann::json state = HostSim::Platform::StateFor({"Probe_Get"});
+        const auto document = HostSim::Platform::StateFor({"Probe_Get"});
+        const nlohmann::json& state = *document;
         std::string reason;
         return FillNode(state, node, buffer, size, reason) ? 0 : EINVAL;
     } catch (const std::exception&) {
@@ -72,7 +73,8 @@ extern "C" int Probe_Get(ProbeNode node, void* buffer, size_t size) {
 namespace TesselCtl::Util {
 
 void SysinfoUtil::SysinfoGet(ProbeNode node, void* record, size_t size) {
-    nlohmann::json state = HostSim::Platform::StateFor({"SysinfoUtil::SysinfoGet"});
+    const auto document = HostSim::Platform::StateFor({"SysinfoUtil::SysinfoGet"});
+    const nlohmann::json& state = *document;
     std::string reason;
     if (!FillNode(state, node, record, size, reason))
         throw Keelson::Lib::KeelsonException("SysinfoGet failed: " + reason);

@@ -51,12 +51,13 @@ bool Listed(const json& array, const std::string& text) {
 
 // EAI_AGAIN when no name server can be reached, as a real resolver times out.
 int FromNameServers(const std::string& name, std::vector<std::string>& addresses) {
-    json state;
+    HostSim::Platform::StateDocument document;
     try {
-        state = HostSim::Platform::ReadState();
+        document = HostSim::Platform::ReadState();
     } catch (const std::exception&) {
         return EAI_FAIL;
     }
+    const json& state = *document;
     const json dns = state.value("network", json::object()).value("dns", json::object());
     const json reachable = state.value("ping", json::object()).value("reachable", json::array());
     bool answering = false;

@@ -5,8 +5,9 @@
 namespace TesselCtl::Resource {
 
 bool ResourceInfoImpl::HasRunningVirtualMachines() const {
-    const nlohmann::json state =
+    const auto document =
         HostSim::Platform::StateFor({"ResourceInfoImpl::HasRunningVirtualMachines"});
+    const nlohmann::json& state = *document;
     const nlohmann::json guests = state.value("guests", nlohmann::json::array());
     for (const nlohmann::json& guest : guests.is_array() ? guests : nlohmann::json::array())
         if (guest.is_object() && guest.value("running", false))

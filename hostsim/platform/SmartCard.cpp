@@ -27,7 +27,8 @@ nlohmann::json Slots(const nlohmann::json& state) {
 } // namespace
 
 std::vector<std::string> SmartCardInfoImpl::GetAllSlots() const {
-    nlohmann::json state = HostSim::Platform::StateFor({"SmartCardInfoImpl::GetAllSlots"});
+    const auto document = HostSim::Platform::StateFor({"SmartCardInfoImpl::GetAllSlots"});
+    const nlohmann::json& state = *document;
     std::vector<std::string> names;
     for (const auto& slot : Slots(state))
         names.push_back(slot.value("name", ""));
@@ -36,7 +37,8 @@ std::vector<std::string> SmartCardInfoImpl::GetAllSlots() const {
 
 bool SmartCardInfoImpl::GetToken(const std::string& slot,
                                  Keelson::Hardware::SmartCardToken& token) const {
-    nlohmann::json state = HostSim::Platform::StateFor({"SmartCardInfoImpl::GetToken"});
+    const auto document = HostSim::Platform::StateFor({"SmartCardInfoImpl::GetToken"});
+    const nlohmann::json& state = *document;
     for (const auto& entry : Slots(state)) {
         if (entry.value("name", "") != slot)
             continue;

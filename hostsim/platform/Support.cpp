@@ -28,7 +28,8 @@ const char* ProductField(std::string ProductStrings::*field, const char* key) {
     std::lock_guard<std::mutex> lock(p.mutex);
     std::string value;
     try {
-        nlohmann::json state = HostSim::Platform::ReadState();
+        const auto document = HostSim::Platform::ReadState();
+        const nlohmann::json& state = *document;
         const nlohmann::json& product = state.value("product", nlohmann::json::object());
         auto it = product.find(key);
         if (it != product.end())

@@ -11,7 +11,8 @@ namespace {
 using nlohmann::json;
 
 json Section(std::initializer_list<const char*> operations, const char* key) {
-    json state = HostSim::Platform::StateFor(operations);
+    const auto document = HostSim::Platform::StateFor(operations);
+    const json& state = *document;
     json section = state.value(key, json::object());
     return section.is_object() ? section : json::object();
 }
@@ -26,7 +27,8 @@ std::string Text(const json& object, const char* key) {
 namespace TesselCtl::System {
 
 std::string SystemInfoImpl::GetWelcomeMessage() const {
-    json state = HostSim::Platform::StateFor({"SystemInfoImpl::GetWelcomeMessage"});
+    const auto document = HostSim::Platform::StateFor({"SystemInfoImpl::GetWelcomeMessage"});
+    const json& state = *document;
     return Text(state, "welcomeMessage");
 }
 
@@ -84,7 +86,8 @@ class Ruleset : public Keelson::System::FirewallRuleset {
 public:
     explicit Ruleset(std::string id) : id_(std::move(id)) {}
     bool FollowsService() const override {
-        json state = HostSim::Platform::StateFor({"FirewallRuleset::FollowsService"});
+        const auto document = HostSim::Platform::StateFor({"FirewallRuleset::FollowsService"});
+        const json& state = *document;
         const json rulesets = state.value("firewall", json::object());
         const json ruleset =
             rulesets.is_object() ? rulesets.value(id_, json::object()) : json::object();

@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -28,6 +30,11 @@ public:
     }
     int Get() const { return fd_; }
     int Release() { return std::exchange(fd_, -1); }
+    void Reset(int fd) {
+        if (fd_ >= 0)
+            ::close(fd_);
+        fd_ = fd;
+    }
 
 private:
     int fd_;
@@ -59,17 +66,21 @@ private:
     Fd fd_;
 };
 
-std::string ReadWhole(const std::string& path) {
-    Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (fd.Get() < 0) {
+int OpenState(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
         if (errno == ENOENT)
             throw StateError("State file " + path + " is missing");
         throw StateError("Cannot read state file " + path + ": " + ErrnoText());
     }
+    return fd;
+}
+
+std::string ReadAll(int fd, const std::string& path) {
     std::string text;
     char buffer[65536];
     for (;;) {
-        ssize_t n = ::read(fd.Get(), buffer, sizeof buffer);
+        ssize_t n = ::read(fd, buffer, sizeof buffer);
         if (n < 0) {
             if (errno == EINTR)
                 continue;
@@ -80,6 +91,47 @@ std::string ReadWhole(const std::string& path) {
         text.append(buffer, static_cast<size_t>(n));
     }
     return text;
+}
+
+std::string ReadWhole(const std::string& path) {
+    Fd fd(OpenState(path));
+    return ReadAll(fd.Get(), path);
+}
+
+// One version of the state file. Writers replace the file, so a new version is a new inode; the
+// size and the times tell a file that was rewritten in place.
+struct FileVersion {
+    dev_t device;
+    ino_t inode;
+    off_t size;
+    timespec modified;
+    timespec changed;
+
+    explicit FileVersion(const struct stat& st)
+        : device(st.st_dev), inode(st.st_ino), size(st.st_size), modified(st.st_mtim),
+          changed(st.st_ctim) {}
+    bool operator==(const FileVersion& other) const {
+        return device == other.device && inode == other.inode && size == other.size &&
+               modified.tv_sec == other.modified.tv_sec &&
+               modified.tv_nsec == other.modified.tv_nsec &&
+               changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
+    }
+};
+
+// The document of the last Snapshot in this process. Its file is kept open so that its inode
+// cannot be given to a later version while the document is held.
+struct CachedState {
+    std::mutex mutex;
+    std::string path;
+    std::optional<FileVersion> version;
+    Fd file;
+    std::shared_ptr<const nlohmann::json> document;
+};
+
+// Never destroyed: a detached thread of the console may still read the state while it exits.
+CachedState& Cache() {
+    static CachedState* const cache = new CachedState;
+    return *cache;
 }
 
 nlohmann::json Parse(const std::string& path, const std::string& text) {
@@ -165,6 +217,31 @@ nlohmann::json StateStore::Read() const {
         throw StateError("State file " + path + " is missing");
     Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_SH);
     return Parse(path, ReadWhole(path));
+}
+
+std::shared_ptr<const nlohmann::json> StateStore::Snapshot() const {
+    const std::string path = StatePath();
+    struct stat st {};
+    CachedState& cache = Cache();
+    if (::stat(path.c_str(), &st) == 0) {
+        const std::lock_guard guard(cache.mutex);
+        if (cache.document && cache.path == path && cache.version == FileVersion(st))
+            return cache.document;
+    }
+    if (::stat(Folder(path).c_str(), &st) != 0)
+        throw StateError("State file " + path + " is missing");
+    Lock lock(RootPath(root_, "/var/lib/hostsim/state.lock"), LOCK_SH);
+    Fd fd(OpenState(path));
+    // The version of the descriptor read, not of the path: the path may be replaced meanwhile.
+    if (::fstat(fd.Get(), &st) != 0)
+        throw StateError("Cannot read state file " + path + ": " + ErrnoText());
+    auto document = std::make_shared<const nlohmann::json>(Parse(path, ReadAll(fd.Get(), path)));
+    const std::lock_guard guard(cache.mutex);
+    cache.path = path;
+    cache.version = FileVersion(st);
+    cache.file.Reset(fd.Release());
+    cache.document = document;
+    return document;
 }
 
 void StateStore::Update(const std::function<void(nlohmann::json&)>& change) const {

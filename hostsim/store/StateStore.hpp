@@ -2,6 +2,7 @@
 // console's host libraries, the host tools, the PAM module and the hostsim tool.
 #pragma once
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -31,6 +32,11 @@ public:
 
     // A fresh read of the whole document, under a shared lock. Throws StateError.
     nlohmann::json Read() const;
+
+    // The whole document as the file holds it now, for a process that reads it often. The parsed
+    // document of the last read is shared until the file changes; it is never changed in place.
+    // Throws StateError.
+    std::shared_ptr<const nlohmann::json> Snapshot() const;
 
     // Read-modify-write under an exclusive lock; written to a temporary file in the same
     // folder, flushed and renamed over the state, so no reader ever sees a torn document.

@@ -1,6 +1,8 @@
 // The hostsim program, run as a child on temporary folders.
 #include <algorithm>
 #include <filesystem>
+#include <map>
+#include <set>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -28,7 +30,7 @@ bool Exists(const HostRoot& root, const std::string& hostPath) {
 
 TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
     auto names = ProfileNames();
-    for (const char* required : {"default", "dhcp", "fabric", "no-login"})
+    for (const char* required : {"default", "dhcp", "fabric", "large", "no-login"})
         EXPECT_NE(std::find(names.begin(), names.end(), required), names.end()) << required;
     for (const std::string& profile : names) {
         SCOPED_TRACE(profile);
@@ -44,6 +46,62 @@ TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
         EXPECT_NE(root.Read("/etc/pam.d/lanyx").find("pam_hostsim.so root=" + root.Path()),
                   std::string::npos);
     }
+}
+
+// Names are unique, every reference points at something that exists, and a NIC has one holder.
+TEST(HostsimCommand, LargeProfileIsAConsistentHostOf256NicsAnd1000PortGroups) {
+    HostRoot root("large");
+    const nlohmann::json state = root.State();
+    std::set<std::string> nics;
+    std::set<std::string> macs;
+    int withoutLink = 0;
+    for (const auto& nic : state["pnics"]) {
+        nics.insert(nic["name"].get<std::string>());
+        macs.insert(nic["mac"].get<std::string>());
+        withoutLink += nic["link"] ? 0 : 1;
+        EXPECT_EQ(nic["speedMbps"] == 0, !nic["link"]) << nic;
+    }
+    EXPECT_EQ(state["pnics"].size(), 256u);
+    EXPECT_EQ(nics.size(), 256u);
+    EXPECT_EQ(macs.size(), 256u);
+    EXPECT_GT(withoutLink, 0);
+
+    std::map<std::string, std::string> holder;           // NIC -> switch or fabric
+    std::map<std::string, std::set<std::string>> listed; // switch -> its port groups
+    const auto hold = [&](const std::string& nic, const std::string& by) {
+        EXPECT_TRUE(nics.count(nic)) << nic;
+        EXPECT_TRUE(holder.emplace(nic, by).second)
+            << nic << " on " << by << " and " << holder[nic];
+    };
+    for (const auto& sw : state["switches"]) {
+        const std::string name = sw["name"];
+        for (const auto& uplink : sw["uplinks"])
+            hold(uplink.get<std::string>(), name);
+        for (const auto& group : sw["portGroups"])
+            EXPECT_TRUE(listed[name].insert(group.get<std::string>()).second) << group;
+    }
+    for (const auto& fabric : state["fabrics"])
+        for (const auto& uplink : fabric["uplinks"].items())
+            hold(uplink.key(), fabric["name"].get<std::string>());
+    EXPECT_GT(state["switches"].size(), 2u);
+    EXPECT_EQ(holder.at("hwport0"), "switch0");
+    EXPECT_LT(holder.size(), nics.size()); // some NICs are free
+
+    std::set<std::string> groups;
+    for (const auto& group : state["portGroups"]) {
+        const std::string name = group["name"];
+        const std::string sw = group["switch"];
+        EXPECT_TRUE(groups.insert(name).second) << name;
+        EXPECT_TRUE(listed[sw].count(name)) << name;
+        for (const auto& uplink : group["teaming"]["uplinkOrder"])
+            EXPECT_EQ(holder[uplink.get<std::string>()], sw) << name << " teams over " << uplink;
+    }
+    EXPECT_EQ(groups.size(), 1000u);
+    size_t listedCount = 0;
+    for (const auto& [sw, names] : listed)
+        listedCount += names.size();
+    EXPECT_EQ(listedCount, 1000u);
+    EXPECT_EQ(state["network"]["interfaces"][0]["connection"]["portGroup"], "Management Network");
 }
 
 TEST(HostsimCommand, DefaultRootHasTheRealCertificateAndIsNotReplacedUnasked) {

@@ -109,7 +109,9 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
     std::thread reader([&] {
         while (!done) {
             try {
-                auto s = HostSim::StateStore(root.Path()).Read();
+                // Half the reads through the shared document, which the writers keep replacing.
+                const HostSim::StateStore store(root.Path());
+                const auto s = reads % 2 == 0 ? store.Read() : *store.Snapshot();
                 if (s["padding"].get<std::string>().size() != 50000)
                     ++badReads;
             } catch (...) {
@@ -132,4 +134,37 @@ TEST(StateStore, ConcurrentProcessesLoseNoUpdateAndReadersSeeWholeDocuments) {
     EXPECT_EQ(badReads, 0);
     EXPECT_GT(reads, 0);
     EXPECT_EQ(HostSim::StateStore(root.Path()).Read()["count"], (kProcesses + 2) * kIncrements);
+}
+
+TEST(StateStore, SnapshotIsSharedUntilTheFileChangesInAnyWay) {
+    TempRoot root("");
+    const HostSim::StateStore store(root.Path());
+    store.Write({{"n", 1}});
+    const auto first = store.Snapshot();
+    EXPECT_EQ(store.Snapshot(), first);
+    EXPECT_EQ(HostSim::StateStore(root.Path()).Snapshot(), first);
+
+    // Replaced many times within one tick of the file clock, at the same size each time.
+    for (int n = 2; n < 40; ++n) {
+        store.Update([n](nlohmann::json& s) { s["n"] = n % 10; });
+        ASSERT_EQ((*store.Snapshot())["n"], n % 10) << n;
+    }
+    EXPECT_EQ((*first)["n"], 1); // a document once handed out stays as it was
+
+    root.Write(kStatePath, R"({"n": 300})"); // rewritten in place
+    EXPECT_EQ((*store.Snapshot())["n"], 300);
+    root.Write(kStatePath, "{\"n\": ");
+    EXPECT_THROW(store.Snapshot(), StateError);
+    EXPECT_THROW(store.Snapshot(), StateError);
+
+    TempRoot other("");
+    HostSim::StateStore(other.Path()).Write({{"n", 9}});
+    EXPECT_EQ((*HostSim::StateStore(other.Path()).Snapshot())["n"], 9);
+    root.Remove(kStatePath);
+    try {
+        store.Snapshot();
+        ADD_FAILURE() << "a removed state was read";
+    } catch (const StateError& e) {
+        EXPECT_NE(std::string(e.what()).find("missing"), std::string::npos) << e.what();
+    }
 }

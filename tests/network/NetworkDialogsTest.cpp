@@ -308,5 +308,35 @@ TEST_F(AdapterChoice, GatheringFailureClosesAtOnceAndManyNicsScroll) {
     EXPECT_GT(form.GetItemList()->GetTopIndex(), 0);
 }
 
+// Number order (hwport10 after hwport9), a holder for every NIC from all switches and the fabric,
+// and the warning for a NIC far down the list.
+TEST_F(AdapterChoice, LargeHostListsEveryNicInNumberOrderWithItsHolder) {
+    const LanyxTest::HostRoot large("large");
+    AdaptersDialog form(nullptr, {"hwport0", "hwport1"}, 2, "switch0");
+    std::string keys;
+    for (int n = 0; n < 255; ++n)
+        keys += kDown;
+    Type(keys + " \n\n");
+    EXPECT_TRUE(form.RunModal());
+    EXPECT_TRUE(InputDrained());
+    EXPECT_TRUE(Recorded().Asked(Ids::AdaptersWarningTitle));
+    EXPECT_EQ(form.GetSelectedNames(),
+              (std::vector<std::string>{"hwport0", "hwport1", "hwport255"}));
+    EXPECT_GT(form.GetItemList()->GetTopIndex(), 240);
+
+    const AdapterRows& rows = form.GetRows();
+    ASSERT_EQ(rows.Count(), 256u);
+    for (size_t n = 0; n < rows.Count(); ++n)
+        ASSERT_EQ(rows.Info(n).name, "hwport" + std::to_string(n));
+    EXPECT_EQ(rows.Info(1).usedBy, "switch0");
+    EXPECT_EQ(rows.Info(2).usedBy, "switch1");
+    EXPECT_EQ(rows.Info(181).usedBy, "switch15");
+    EXPECT_EQ(rows.Info(200).usedBy, "");
+    EXPECT_EQ(rows.Info(255).usedBy, "fab-storage");
+    EXPECT_EQ(rows.Info(3).status, "Disconnected");
+    EXPECT_EQ(rows.Info(3).hardwareLabel, "N/A");
+    EXPECT_EQ(rows.Info(1).hardwareLabel, "Tessellate Ethernet Controller E810-XXV for SFP");
+}
+
 } // namespace
 } // namespace Lanyx
