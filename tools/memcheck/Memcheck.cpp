@@ -72,10 +72,12 @@ int main() {
     const std::string log = "/tmp/lanyx-memcheck-" + std::to_string(getpid()) + ".log";
     bool walked = false;
     {
-        Session s("default", {.launcher = {"/usr/bin/valgrind", "--tool=memcheck",
-                                           "--leak-check=full", "--errors-for-leak-kinds=definite",
-                                           "--track-fds=no", "--log-file=" + log},
-                             });
+        Session s("default",
+                  {
+                      .launcher = {"/usr/bin/valgrind", "--tool=memcheck", "--leak-check=full",
+                                   "--errors-for-leak-kinds=definite", "--track-fds=no",
+                                   "--log-file=" + log},
+                  });
         walked = Walk(s);
         std::ifstream in(log);
         const std::string report(std::istreambuf_iterator<char>(in), {});
