@@ -68,7 +68,7 @@ expect "$hostsim" usr/share/doc/lanyx-hostsim/copyright
 
 # The dependencies of the libraries were found, and the console asks for the simulated host.
 depends=$(dpkg-deb -f "$BUILD"/lanyx_*.deb Depends)
-for needed in libncursesw6 libpam0g libboost-regex lanyx-hostsim; do
+for needed in libncursesw6 libpam0g lanyx-hostsim; do
     case "$depends" in
     *"$needed"*) ;;
     *) fail "lanyx does not depend on $needed: $depends" ;;
