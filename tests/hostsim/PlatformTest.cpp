@@ -1,8 +1,10 @@
 #include <syslog.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
-#include <regex>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -44,8 +46,26 @@ std::string ThrownText(const std::function<void()>& call) {
 
 // The records without their "YYYY-MM-DDTHH:MM:SS " stamps; a malformed stamp stays in the text.
 std::string WithoutStamps(const std::string& text) {
-    static const std::regex stamp(R"((^|\n)\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d )");
-    return std::regex_replace(text, stamp, "$1");
+    static constexpr std::string_view shape = "dddd-dd-ddTdd:dd:dd ";
+    auto isStamp = [&](std::size_t at) {
+        if (text.size() - at < shape.size())
+            return false;
+        for (std::size_t i = 0; i < shape.size(); ++i) {
+            const char c = text[at + i];
+            if (shape[i] == 'd' ? !std::isdigit(static_cast<unsigned char>(c)) : c != shape[i])
+                return false;
+        }
+        return true;
+    };
+    std::string out;
+    for (std::size_t at = 0; at < text.size();) {
+        if ((at == 0 || text[at - 1] == '\n') && isStamp(at))
+            at += shape.size();
+        const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        out.append(text, at, end - at);
+        at = end;
+    }
+    return out;
 }
 
 } // namespace
