@@ -28,6 +28,16 @@ json& FaultGroup(json& state, const char* group) {
     return entries;
 }
 
+// The state document keeps text as UTF-8 only.
+bool ValidUtf8(const std::string& text) {
+    try {
+        (void)json(text).dump();
+        return true;
+    } catch (const json::type_error&) {
+        return false;
+    }
+}
+
 int ExitStatus(const std::string& text) {
     if (text.empty() || text.size() > 3 || !std::all_of(text.begin(), text.end(), ::isdigit) ||
         std::stoi(text) > 255)
@@ -159,8 +169,10 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
         json change;
         if (what == "exit" && args.size() == 4)
             change = {{"exit", ExitStatus(args[3])}};
-        else if (what == "output" && args.size() == 4)
+        else if (what == "output" && args.size() == 4 && ValidUtf8(args[3]))
             change = {{"output", args[3]}};
+        else if (what == "output" && args.size() == 4)
+            throw UsageError("The output of a tool fault must be UTF-8 text");
         else if (what == "hang" && args.size() == 3)
             change = {{"hang", true}};
         else if (what == "signal" && args.size() == 3)
@@ -178,6 +190,13 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
         });
         if (what == "absent")
             MoveToolScripts(root, name, true);
+    } else if (kind == "trace") {
+        if (args.size() != 2 || (args[1] != "on" && args[1] != "off"))
+            throw UsageError("usage: hostsim fault DIR trace on|off");
+        StateStore(root).Update([&](json& state) {
+            FaultGroup(state, "lib");
+            state["faults"]["trace"] = args[1] == "on";
+        });
     } else if (kind == "clear") {
         if (args.size() > 2)
             throw UsageError("usage: hostsim fault DIR clear [NAME]");
@@ -189,14 +208,19 @@ void ApplyFault(const std::string& root, const std::vector<std::string>& args) {
             MoveToolScripts(root, name, false);
         StateStore(root).Update([&](json& state) {
             if (args.size() == 1) {
+                // The trace is no fault: it outlives a clear.
+                const json faults = state.value("faults", json::object());
+                const bool trace = faults.is_object() && faults.value("trace", json()) == true;
                 state["faults"] = {{"lib", json::object()}, {"tool", json::object()}};
+                if (trace)
+                    state["faults"]["trace"] = true;
                 return;
             }
             FaultGroup(state, "lib").erase(args[1]);
             FaultGroup(state, "tool").erase(args[1]);
         });
     } else {
-        throw UsageError("Unknown fault kind \"" + kind + "\" (lib, tool or clear)");
+        throw UsageError("Unknown fault kind \"" + kind + "\" (lib, tool, trace or clear)");
     }
 }
 

@@ -31,6 +31,8 @@ void Help(std::ostream& out) {
            "  hostsim fault DIR tool NAME signal              make a tool end on signal 9\n"
            "  hostsim fault DIR tool NAME absent              take a tool's files out of the root\n"
            "  hostsim fault DIR clear [NAME]                  remove one fault or all\n"
+           "  hostsim fault DIR trace on|off                  list each library call and tool run\n"
+           "                                                  in DIR/var/lib/hostsim/calls.log\n"
            "  hostsim --help\n\nsettings:\n";
     for (const Setting& setting : Settings()) {
         out << "  " << setting.name
@@ -126,7 +128,7 @@ int Run(const std::vector<std::string>& args) {
     }
     if (command == "fault") {
         if (args.size() < 3)
-            throw UsageError("usage: hostsim fault DIR lib|tool|clear ...");
+            throw UsageError("usage: hostsim fault DIR lib|tool|trace|clear ...");
         ApplyFault(ExistingRoot(args[1]), std::vector<std::string>(args.begin() + 2, args.end()));
         return 0;
     }

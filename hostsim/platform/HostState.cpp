@@ -22,6 +22,7 @@ void UpdateState(const std::function<void(nlohmann::json&)>& change) {
 }
 
 std::string FaultText(const nlohmann::json& state, const char* operation) {
+    TraceCall(HostRoot(), state, std::string("lib ") + operation);
     auto faults = state.find("faults");
     if (faults == state.end() || !faults->is_object())
         return {};

@@ -203,6 +203,22 @@ std::string RootPath(const std::string& root, const std::string& hostPath) {
     return base + hostPath;
 }
 
+std::string TracePath(const std::string& root) {
+    return RootPath(root, "/var/lib/hostsim/calls.log");
+}
+
+void TraceCall(const std::string& root, const nlohmann::json& state, const std::string& line) {
+    const auto faults = state.find("faults");
+    if (faults == state.end() || !faults->is_object() ||
+        faults->value("trace", nlohmann::json()) != true)
+        return;
+    Fd fd(::open(TracePath(root).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644));
+    if (fd.Get() < 0)
+        return;
+    const std::string text = line + "\n";
+    [[maybe_unused]] const ssize_t written = ::write(fd.Get(), text.data(), text.size());
+}
+
 StateStore::StateStore(std::string root) : root_(std::move(root)) {}
 
 std::string StateStore::StatePath() const {

@@ -22,6 +22,12 @@ std::string HostRoot();
 // root + path, path being absolute on the host ("/var/log/x" -> "<root>/var/log/x").
 std::string RootPath(const std::string& root, const std::string& hostPath);
 
+// The call trace: with "faults.trace" set in `state`, `line` is appended to TracePath(root), so a
+// test can learn which library operations and tools a screen reaches. One write per line: the
+// lines of concurrent callers do not mix. A trace that cannot be written is skipped.
+std::string TracePath(const std::string& root);
+void TraceCall(const std::string& root, const nlohmann::json& state, const std::string& line);
+
 class StateStore {
 public:
     explicit StateStore(std::string root = HostRoot());

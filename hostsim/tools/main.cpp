@@ -25,10 +25,14 @@ void PrintProgramUsage() {
     std::fputs("\n", stderr);
 }
 
-// A fault set for this tool: print, hang or exit as told. Returns the status to exit with,
-// or -1 when no fault applies and the tool should run.
+// Traces the run; then a fault set for this tool: print, hang or exit as told. Returns the status
+// to exit with, or -1 when no fault applies and the tool should run.
 int ApplyFault(const Context& context) {
     const nlohmann::json state = context.store.Read();
+    std::string call = "tool " + context.name;
+    for (const std::string& arg : context.args)
+        call += " " + arg;
+    HostSim::TraceCall(context.root, state, call);
     auto faults = state.find("faults");
     if (faults == state.end() || !faults->is_object())
         return -1;

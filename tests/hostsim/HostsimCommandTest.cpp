@@ -136,6 +136,7 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
              {bin, "set", root.Path(), "lockdown-enabled", "maybe"},
              {bin, "fault", root.Path(), "lib", "NoSuch::Operation", "x"},
              {bin, "fault", root.Path(), "tool", "helmq", "exit", "256"},
+             {bin, "fault", root.Path(), "tool", "helmq", "output", "\xff"},
              {bin, "set", root.Path() + "/missing", "hostname", "x"}}) {
         const auto result = LanyxTest::RunProcess(bad);
         EXPECT_EQ(result.exit.Code(), 2) << LanyxTest::JoinCommand(bad) << ": " << result.output;
@@ -170,5 +171,31 @@ TEST(HostsimCommand, AbsentToolLeavesTheRootUntilItsFaultIsCleared) {
         root.Fault(clear);
         EXPECT_EQ(root.Read("/sbin/ostraq"), script);
         EXPECT_TRUE(Exists(root, "/bin/ostraq"));
+    }
+}
+
+TEST(HostsimCommand, TraceListsToolRunsAndOutlivesAClear) {
+    HostRoot root;
+    const auto helmq = [&] {
+        return LanyxTest::RunProcess(
+            {root.File("/bin/helmq"), "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"});
+    };
+    EXPECT_TRUE(helmq().Succeeded());
+    root.Fault({"trace", "on"});
+    root.Fault({"tool", "helmq", "exit", "3"});
+    EXPECT_EQ(helmq().exit.Code(), 3);
+    root.Fault({"clear"});
+    EXPECT_TRUE(root.State()["faults"]["trace"]);
+    EXPECT_TRUE(helmq().Succeeded());
+    root.Fault({"trace", "off"});
+    EXPECT_TRUE(helmq().Succeeded());
+    const std::string run = "tool helmq -U lanyx helmsvc/auth/lockdown_is_enabled\n";
+    EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), run + run) << "the faulted run counts";
+
+    for (const std::vector<std::string>& bad :
+         {std::vector<std::string>{"trace"}, {"trace", "yes"}, {"trace", "on", "off"}}) {
+        std::vector<std::string> argv = {LanyxTest::HostsimBinary(), "fault", root.Path()};
+        argv.insert(argv.end(), bad.begin(), bad.end());
+        EXPECT_EQ(LanyxTest::RunProcess(argv).exit.Code(), 2) << LanyxTest::JoinCommand(argv);
     }
 }

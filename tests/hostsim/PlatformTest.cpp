@@ -113,6 +113,28 @@ TEST(Platform, FaultsMakeTheNamedOperationFail) {
     EXPECT_NE(NotaUserLib_Init(), 0);
 }
 
+TEST(Platform, TraceListsEachFaultableCallInOrderWhileOn) {
+    TempRoot root("");
+    HostSim::StateStore(root.Path()).Write(SmallState());
+    root.LibFault("TesselCtl_Exec", "exec broken");
+    EXPECT_EQ(NotaUserLib_Init(), 0);
+    EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), "") << "off by default";
+
+    root.Edit([](nlohmann::json& document) { document["faults"]["trace"] = true; });
+    EXPECT_EQ(NotaUserLib_Init(), 0);
+    delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut");
+    // A call that throws is listed too: it was made.
+    EXPECT_EQ(ThrownText([] { TesselCtl::Util::TesselCtl_Exec("true", false, true, false); }),
+              "exec broken");
+    const std::string listed =
+        "lib NotaUserLib_Init\nlib AdvancedOptionImpl::FindOption\nlib TesselCtl_Exec\n";
+    EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), listed);
+
+    root.Edit([](nlohmann::json& document) { document["faults"]["trace"] = "yes"; });
+    EXPECT_EQ(NotaUserLib_Init(), 0);
+    EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), listed) << "only true turns it on";
+}
+
 TEST(Platform, ExecRunsTheLineAndGivesItsStatus) {
     TempRoot root("");
     HostSim::StateStore(root.Path()).Write(SmallState());

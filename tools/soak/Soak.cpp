@@ -20,8 +20,7 @@ using namespace LanyxE2E;
 
 namespace {
 
-// How to reach a screen: each step opens a menu entry by its right-pane title; "=title" only
-// selects it; "@login" logs in from the welcome screen; "@f12" logs in behind F12.
+// How to reach a screen: steps of Session::Walk.
 struct Screen {
     std::string name;
     std::vector<std::string> steps;
@@ -64,72 +63,16 @@ const std::vector<Screen> kScreens = {
 const std::vector<std::string> kEndlessWaits = {"Shutdown in progress...", "Restart in progress...",
                                                 "Default settings are restored."};
 
-::testing::AssertionResult Reach(Session& s, const Screen& screen) {
-    if (auto shown = s.Settle(); !shown)
-        return shown;
-    for (const std::string& step : screen.steps) {
-        ::testing::AssertionResult done = ::testing::AssertionSuccess();
-        if (step == "@login")
-            done = s.LogIn();
-        else if (step == "@f2")
-            done = s.OpenLogin();
-        else if (step == "@f12")
-            done = s.Press({Keys::F(12)});
-        else if (step.starts_with("="))
-            done = s.SelectEntry(step.substr(1));
-        else
-            done = s.OpenEntry(step);
-        if (!done)
-            return done << " (step \"" << step << "\")";
-    }
-    return s.Settle();
-}
-
 std::string RandomKey(std::mt19937& random) {
-    static const std::vector<std::string> named = {"\x1bOA",
-                                                   "\x1bOB",
-                                                   "\x1bOC",
-                                                   "\x1bOD",
-                                                   "\x1bOH",
-                                                   "\x1bOF",
-                                                   "\x1b[2~",
-                                                   "\x1b[3~",
-                                                   "\x1b[5~",
-                                                   "\x1b[6~",
-                                                   "\x1bOP",
-                                                   "\x1bOQ",
-                                                   "\x1bOR",
-                                                   "\x1bOS",
-                                                   "\x1b[15~",
-                                                   "\x1b[17~",
-                                                   "\x1b[18~",
-                                                   "\x1b[19~",
-                                                   "\x1b[20~",
-                                                   "\x1b[21~",
-                                                   "\x1b[23~",
-                                                   "\x1b[24~",
-                                                   "\x1b[A",
-                                                   "\x1b[D",
-                                                   "\x1b[M",
-                                                   "\x1b[X",
-                                                   "\x1bOW",
-                                                   "\x1bOY",
-                                                   "\x1b"
-                                                   "1",
-                                                   "\x1b"
-                                                   "0",
-                                                   "\x1bh",
-                                                   "\x1bk",
-                                                   "\x1b+",
-                                                   "\x1b?",
-                                                   "\x1b/",
-                                                   "\r",
-                                                   "\t",
-                                                   "\x7f",
-                                                   "\x1b",
-                                                   " ",
-                                                   "\xc3\xa9",
-                                                   "\xe2\x82\xac"};
+    // clang-format off
+    static const std::vector<std::string> named = {
+        "\x1bOA",  "\x1bOB",  "\x1bOC",   "\x1bOD",   "\x1bOH",   "\x1bOF",   "\x1b[2~",
+        "\x1b[3~", "\x1b[5~", "\x1b[6~",  "\x1bOP",   "\x1bOQ",   "\x1bOR",   "\x1bOS",
+        "\x1b[15~", "\x1b[17~", "\x1b[18~", "\x1b[19~", "\x1b[20~", "\x1b[21~", "\x1b[23~",
+        "\x1b[24~", "\x1b[A",  "\x1b[D",  "\x1b[M",   "\x1b[X",   "\x1bOW",   "\x1bOY",
+        "\x1b" "1",   "\x1b" "0",   "\x1bh",   "\x1bk",    "\x1b+",    "\x1b?",    "\x1b/",
+        "\r",      "\t",      "\x7f",    "\x1b",     " ",        "\xc3\xa9", "\xe2\x82\xac"};
+    // clang-format on
     std::uniform_int_distribution<int> kind(0, 99);
     const int k = kind(random);
     if (k < 40)
@@ -219,7 +162,7 @@ public:
 private:
     std::unique_ptr<Session> Start(const Screen& screen) {
         auto s = std::make_unique<Session>("default", SessionOptions{.term = screen.term});
-        if (auto reached = Reach(*s, screen); !reached) {
+        if (auto reached = s->Walk(screen.steps); !reached) {
             std::cerr << screen.name << ": not reached: " << reached.message() << "\n";
             return nullptr;
         }

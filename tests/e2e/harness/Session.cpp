@@ -118,4 +118,25 @@ bool Session::Greyed(int line) const {
     return Settle();
 }
 
+::testing::AssertionResult Session::Walk(const std::vector<std::string>& steps) {
+    if (auto shown = Settle(); !shown)
+        return shown;
+    for (const std::string& step : steps) {
+        ::testing::AssertionResult done = ::testing::AssertionSuccess();
+        if (step == "@login")
+            done = LogIn();
+        else if (step == "@f2")
+            done = OpenLogin();
+        else if (step == "@f12")
+            done = Press({Keys::F(12)});
+        else if (step.starts_with("="))
+            done = SelectEntry(step.substr(1));
+        else
+            done = OpenEntry(step);
+        if (!done)
+            return done << " (step \"" << step << "\")";
+    }
+    return Settle();
+}
+
 } // namespace LanyxE2E

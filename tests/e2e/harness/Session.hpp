@@ -77,6 +77,10 @@ public:
     ::testing::AssertionResult SelectEntry(const std::string& title);
     // SelectEntry and Enter.
     ::testing::AssertionResult OpenEntry(const std::string& title);
+    // Settles, then takes the steps in turn and settles again: "@login" logs in from the welcome
+    // screen, "@f2" opens the login box, "@f12" the login behind F12; "=title" selects a menu
+    // entry by its right pane's title, and a plain title opens it.
+    ::testing::AssertionResult Walk(const std::vector<std::string>& steps);
     // The title of the right pane of a menu.
     std::string RightTitle() const;
     // A menu as shown: its list (or its right pane) from the first text row, `rows` rows joined
