@@ -7,7 +7,7 @@ PACKAGES="cmake ninja-build g++ clang libclang-rt-14-dev pkg-config make
 libncurses-dev ncurses-term libpam0g-dev libboost-regex-dev libboost-filesystem-dev
 libboost-system-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev libvterm-dev
 faketime libfaketime locales openssl openssh-client less libcrypt-dev procps clang-format
-dpkg-dev file lintian groff-base man-db valgrind ccache"
+dpkg-dev file lintian groff-base man-db valgrind ccache strace"
 
 missing=""
 for p in $PACKAGES; do

@@ -2,10 +2,13 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
+#include <vector>
 
 #include "auth/ChangePasswordDialog.hpp"
 #include "auth/KeyboardDialog.hpp"
@@ -374,18 +377,27 @@ void GeneralWindow::ViewLog(int number) {
     refresh();
     activeFrame = nullptr;
 
-    const char* kept = std::getenv("LESSSECURE");
-    const std::string keptValue = kept ? kept : "";
-    ::setenv("LESSSECURE", "1", 1);
+    // The console's environment, with the pager kept from shell escapes, other files and
+    // writing a history file in the operator's home.
+    std::vector<std::string> pagerEnv;
+    for (char** entry = environ; *entry; ++entry)
+        if (!std::string_view(*entry).starts_with("LESSSECURE=") &&
+            !std::string_view(*entry).starts_with("LESSHISTFILE="))
+            pagerEnv.emplace_back(*entry);
+    pagerEnv.emplace_back("LESSSECURE=1");
+    pagerEnv.emplace_back("LESSHISTFILE=-");
+    std::vector<char*> envp;
+    for (std::string& entry : pagerEnv)
+        envp.push_back(entry.data());
+    envp.push_back(nullptr);
     const std::string pager = HostPath("/bin/less");
     const std::string file = HostPath(log->path);
     const char* const argv[] = {"less", "-cfP", kPagerPrompt, file.c_str(), nullptr};
-    // The whole environment and the console's own terminal, unlike the host tools.
+    // The console's own terminal, unlike the host tools.
     const int terminal[3] = {0, 1, 2};
-    const pid_t pid = TesselForkExec(pager.c_str(), argv, environ, terminal);
+    const pid_t pid = TesselForkExec(pager.c_str(), argv, envp.data(), terminal);
     while (pid > 0 && ::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
     }
-    ::setenv("LESSSECURE", keptValue.c_str(), 1);
 
     ::tcsetattr(1, TCSANOW, &consoleModes);
     ::tcsetpgrp(1, ::getpgid(0));

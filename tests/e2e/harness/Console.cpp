@@ -109,8 +109,10 @@ bool PollsTerminal(pid_t pid, unsigned long address, unsigned long count,
 // The process, the console or a child it waits for, that is blocked reading the terminal. The
 // console's own key wait polls the keyboard and its signal pipe; a poll of the keyboard alone is
 // curses waiting for the rest of an escape sequence, and a key sent then would join it.
+// A tracer above the console waits for it as for any child.
 std::optional<std::pair<pid_t, std::string>> FindReader(pid_t pid, const std::string& terminal,
-                                                        bool console, int depth = 0) {
+                                                        bool console, bool tracer = false,
+                                                        int depth = 0) {
     const auto task = ReadTask(pid);
     if (!task || task->state != 'S' || depth > 4)
         return std::nullopt;
@@ -131,7 +133,7 @@ std::optional<std::pair<pid_t, std::string>> FindReader(pid_t pid, const std::st
         std::istringstream children(ProcFile("/proc/" + std::to_string(pid) + "/task/" +
                                              std::to_string(pid) + "/children"));
         for (pid_t child; children >> child;)
-            if (auto reader = FindReader(child, terminal, false, depth + 1))
+            if (auto reader = FindReader(child, terminal, console && tracer, false, depth + 1))
                 return reader;
         break;
     }
@@ -341,6 +343,7 @@ Console::Console(ConsoleOptions options)
     if (options.argv.empty())
         options.argv.push_back(LanyxBinary());
     command_ = JoinCommand(options.argv);
+    tracer_ = options.tracer;
     vt_ = std::make_unique<Emulator>(this, rows_, cols_);
 
     // The environment is built completely here, so the machine's own settings do not leak in.
@@ -370,6 +373,9 @@ Console::Console(ConsoleOptions options)
             const std::string kept = env.count(name) ? env[name] + ":" : "";
             env[name] = kept + "log_path=" + reportFolder_ + "/report";
         }
+        // LeakSanitizer cannot run under ptrace.
+        if (options.tracer)
+            env["ASAN_OPTIONS"] += ":detect_leaks=0";
     }
     for (const auto& [name, value] : options.env)
         env[name] = value;
@@ -463,7 +469,7 @@ void Console::Send(std::string_view bytes) {
         if (exit_)
             return ::testing::AssertionFailure() << "the process ended instead of reading\n"
                                                  << Describe();
-        const auto before = FindReader(pid_, terminal_, true);
+        const auto before = FindReader(pid_, terminal_, true, tracer_);
         // A reader still blocked as it was when a key or signal went out has not had it yet: the
         // terminal hands input over a little later. A line-buffered reader wakes only at the line's
         // end.
@@ -471,7 +477,7 @@ void Console::Send(std::string_view bytes) {
             // Output written just before the block reaches this side a little later.
             const size_t received = received_;
             Pump(Duration(5));
-            if (received_ == received && FindReader(pid_, terminal_, true) == before) {
+            if (received_ == received && FindReader(pid_, terminal_, true, tracer_) == before) {
                 wakeFrom_.reset();
                 return ::testing::AssertionSuccess();
             }
@@ -495,7 +501,7 @@ bool Console::SendKey(std::string_view key) {
         ADD_FAILURE() << "key \"" << shown << "\" not sent: " << reading.message();
         return false;
     }
-    wakeFrom_ = FindReader(pid_, terminal_, true);
+    wakeFrom_ = FindReader(pid_, terminal_, true, tracer_);
     Send(key);
     return true;
 }
@@ -510,7 +516,7 @@ bool Console::Type(std::string_view text) {
 void Console::Signal(int sig) {
     if (exit_)
         return;
-    wakeFrom_ = FindReader(pid_, terminal_, true);
+    wakeFrom_ = FindReader(pid_, terminal_, true, tracer_);
     kill(pid_, sig);
 }
 

@@ -77,6 +77,7 @@ struct ConsoleOptions {
     int rows = 25, cols = 80;            // 0 x 0 gives a terminal that reports no size
     std::string faketime;                // e.g. "+0 x100": run under libfaketime with this FAKETIME
     std::vector<std::pair<std::string, std::string>> env; // further variables
+    bool tracer = false; // argv[0] runs the program as its child (strace)
 };
 
 // A console for the built lanyx on `root` with the given extra arguments.
@@ -180,8 +181,9 @@ private:
     std::string lastWritten_;   // the tail of what went to the emulator
     std::string command_;
     std::string reportFolder_; // where sanitizer reports are written
-    std::string terminal_;     // the path of the program's side of the terminal
-    size_t received_ = 0;      // bytes of output taken so far
+    bool tracer_ = false;
+    std::string terminal_; // the path of the program's side of the terminal
+    size_t received_ = 0;  // bytes of output taken so far
     std::optional<std::pair<pid_t, std::string>>
         wakeFrom_; // the reader as a key or signal found it
 };

@@ -17,6 +17,8 @@ void Session::Restart(SessionOptions options) {
         options.prepare(*host_);
     ConsoleOptions start;
     start.argv = options.launcher;
+    // valgrind runs the program in its own process; strace forks it.
+    start.tracer = !options.launcher.empty() && options.launcher[0].ends_with("/strace");
     start.argv.push_back(!options.program.empty() ? options.program
                          : options.keyTestFrame   ? KeyTestBinary()
                                                   : LanyxBinary());
