@@ -124,11 +124,4 @@ inline bool Standout(WINDOW* window, int x, int y) {
     return (mvwinch(window, y, x) & A_STANDOUT) != 0;
 }
 
-// Switches the console to monochrome for one scope.
-class MonochromeScope {
-public:
-    MonochromeScope() { monochrome = true; }
-    ~MonochromeScope() { monochrome = false; }
-};
-
 } // namespace Lanyx::Testing

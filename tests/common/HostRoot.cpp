@@ -20,15 +20,9 @@ std::string HostsimBinary() {
 }
 
 const char* RecordPath(Record record) {
-    switch (record) {
-    case Record::Syslog:
-        return "/var/log/syslog.log";
-    case Record::Notad:
-        return "/var/log/notad.log";
-    case Record::Audit:
-        return "/var/log/audit.log";
-    }
-    return "";
+    static const char* const paths[] = {"/var/log/syslog.log", "/var/log/notad.log",
+                                        "/var/log/audit.log"};
+    return paths[static_cast<int>(record)];
 }
 
 bool PollUntil(const std::function<bool()>& condition, Duration timeout) {
@@ -91,18 +85,21 @@ ProcessResult HostRoot::Hostsim(const std::string& command,
     return RunProcess(argv, 30s);
 }
 
-void HostRoot::Set(const std::string& name, const std::string& value) const {
-    const ProcessResult r = Hostsim("set", {name, value});
-    EXPECT_TRUE(r.Succeeded()) << "hostsim set " << name << " " << value << ": "
+// A hostsim command whose failure fails the test.
+static void Checked(const HostRoot& root, const std::string& command,
+                    const std::vector<std::string>& args) {
+    const ProcessResult r = root.Hostsim(command, args);
+    EXPECT_TRUE(r.Succeeded()) << "hostsim " << command << " " << JoinCommand(args) << ": "
                                << r.exit.Describe() << "\n"
                                << r.output;
 }
 
+void HostRoot::Set(const std::string& name, const std::string& value) const {
+    Checked(*this, "set", {name, value});
+}
+
 void HostRoot::Fault(const std::vector<std::string>& args) const {
-    const ProcessResult r = Hostsim("fault", args);
-    EXPECT_TRUE(r.Succeeded()) << "hostsim fault " << JoinCommand(args) << ": " << r.exit.Describe()
-                               << "\n"
-                               << r.output;
+    Checked(*this, "fault", args);
 }
 
 void HostRoot::LibFault(const std::string& operation, const std::string& text) const {

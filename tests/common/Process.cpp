@@ -18,18 +18,12 @@ bool ExitInfo::Exited() const {
 int ExitInfo::Code() const {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
-bool ExitInfo::Signaled() const {
-    return WIFSIGNALED(status);
-}
-int ExitInfo::Signal() const {
-    return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-}
-
 std::string ExitInfo::Describe() const {
     if (Exited())
         return "exited with status " + std::to_string(Code());
-    if (Signaled())
-        return "killed by signal " + std::to_string(Signal()) + " (" + strsignal(Signal()) + ")";
+    if (WIFSIGNALED(status))
+        return "killed by signal " + std::to_string(WTERMSIG(status)) + " (" +
+               strsignal(WTERMSIG(status)) + ")";
     return "wait status " + std::to_string(status);
 }
 

@@ -15,8 +15,6 @@ struct ExitInfo {
 
     bool Exited() const;
     int Code() const; // exit code, -1 when the process did not exit normally
-    bool Signaled() const;
-    int Signal() const; // terminating signal, 0 when none
     std::string Describe() const;
 };
 

@@ -137,6 +137,9 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
              {bin, "fault", root.Path(), "lib", "NoSuch::Operation", "x"},
              {bin, "fault", root.Path(), "tool", "helmq", "exit", "256"},
              {bin, "fault", root.Path(), "tool", "helmq", "output", "\xff"},
+             {bin, "fault", root.Path(), "trace"},
+             {bin, "fault", root.Path(), "trace", "yes"},
+             {bin, "fault", root.Path(), "trace", "on", "off"},
              {bin, "set", root.Path() + "/missing", "hostname", "x"}}) {
         const auto result = LanyxTest::RunProcess(bad);
         EXPECT_EQ(result.exit.Code(), 2) << LanyxTest::JoinCommand(bad) << ": " << result.output;
@@ -191,11 +194,4 @@ TEST(HostsimCommand, TraceListsToolRunsAndOutlivesAClear) {
     EXPECT_TRUE(helmq().Succeeded());
     const std::string run = "tool helmq -U lanyx helmsvc/auth/lockdown_is_enabled\n";
     EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), run + run) << "the faulted run counts";
-
-    for (const std::vector<std::string>& bad :
-         {std::vector<std::string>{"trace"}, {"trace", "yes"}, {"trace", "on", "off"}}) {
-        std::vector<std::string> argv = {LanyxTest::HostsimBinary(), "fault", root.Path()};
-        argv.insert(argv.end(), bad.begin(), bad.end());
-        EXPECT_EQ(LanyxTest::RunProcess(argv).exit.Code(), 2) << LanyxTest::JoinCommand(argv);
-    }
 }

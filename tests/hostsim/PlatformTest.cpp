@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cerrno>
 #include <cstring>
+#include <sstream>
 #include <string_view>
 
 #include <gtest/gtest.h>
@@ -47,31 +48,29 @@ std::string ThrownText(const std::function<void()>& call) {
 // The records without their "YYYY-MM-DDTHH:MM:SS " stamps; a malformed stamp stays in the text.
 std::string WithoutStamps(const std::string& text) {
     static constexpr std::string_view shape = "dddd-dd-ddTdd:dd:dd ";
-    auto isStamp = [&](std::size_t at) {
-        if (text.size() - at < shape.size())
-            return false;
-        for (std::size_t i = 0; i < shape.size(); ++i) {
-            const char c = text[at + i];
-            if (shape[i] == 'd' ? !std::isdigit(static_cast<unsigned char>(c)) : c != shape[i])
-                return false;
-        }
-        return true;
-    };
+    std::istringstream in(text);
     std::string out;
-    for (std::size_t at = 0; at < text.size();) {
-        if ((at == 0 || text[at - 1] == '\n') && isStamp(at))
-            at += shape.size();
-        const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
-        out.append(text, at, end - at);
-        at = end;
+    for (std::string line; std::getline(in, line);) {
+        bool stamped = line.size() >= shape.size();
+        for (std::size_t i = 0; stamped && i < shape.size(); ++i)
+            stamped = shape[i] == 'd' ? std::isdigit(static_cast<unsigned char>(line[i])) != 0
+                                      : line[i] == shape[i];
+        out += line.substr(stamped ? shape.size() : 0) + "\n";
     }
     return out;
 }
 
+// A bare root with a small state of its own.
+class Platform : public ::testing::Test {
+protected:
+    void SetUp() override { HostSim::StateStore(root.Path()).Write(SmallState()); }
+    TempRoot root{""};
+};
+
 } // namespace
 
-TEST(Platform, DamagedOrMissingStateBecomesKeelsonExceptionNamingTheFile) {
-    TempRoot root("");
+TEST_F(Platform, DamagedOrMissingStateBecomesKeelsonExceptionNamingTheFile) {
+    root.Remove("/var/lib/hostsim/state.json");
     std::string text = ThrownText(
         [] { delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut"); });
     EXPECT_NE(text.find("state.json"), std::string::npos) << text;
@@ -84,9 +83,7 @@ TEST(Platform, DamagedOrMissingStateBecomesKeelsonExceptionNamingTheFile) {
     EXPECT_NE(NotaUserLib_Init(), 0);
 }
 
-TEST(Platform, FaultsMakeTheNamedOperationFail) {
-    TempRoot root("");
-    HostSim::StateStore(root.Path()).Write(SmallState());
+TEST_F(Platform, FaultsMakeTheNamedOperationFail) {
     root.LibFault("AdvancedOptionImpl::FindOption", "options broken");
     root.LibFault("SmartCardInfoImpl::GetToken", "reader broken");
     root.LibFault("SysinfoUtil::SysinfoGet", "node broken");
@@ -113,9 +110,7 @@ TEST(Platform, FaultsMakeTheNamedOperationFail) {
     EXPECT_NE(NotaUserLib_Init(), 0);
 }
 
-TEST(Platform, TraceListsEachFaultableCallInOrderWhileOn) {
-    TempRoot root("");
-    HostSim::StateStore(root.Path()).Write(SmallState());
+TEST_F(Platform, TraceListsEachFaultableCallInOrderWhileOn) {
     root.LibFault("TesselCtl_Exec", "exec broken");
     EXPECT_EQ(NotaUserLib_Init(), 0);
     EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), "") << "off by default";
@@ -135,9 +130,7 @@ TEST(Platform, TraceListsEachFaultableCallInOrderWhileOn) {
     EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), listed) << "only true turns it on";
 }
 
-TEST(Platform, ExecRunsTheLineAndGivesItsStatus) {
-    TempRoot root("");
-    HostSim::StateStore(root.Path()).Write(SmallState());
+TEST_F(Platform, ExecRunsTheLineAndGivesItsStatus) {
     EXPECT_EQ(TesselCtl::Util::TesselCtl_Exec("exit 7", false, true, false), 7);
     const std::string marker = root.File("/tmp-marker");
     EXPECT_EQ(TesselCtl::Util::TesselCtl_Exec("echo hi > " + marker, false, true, false), 0);
@@ -146,8 +139,7 @@ TEST(Platform, ExecRunsTheLineAndGivesItsStatus) {
                  KeelsonException);
 }
 
-TEST(Platform, SyslogRecordsHonourFacilityMaskAndErrno) {
-    TempRoot root("");
+TEST_F(Platform, SyslogRecordsHonourFacilityMaskAndErrno) {
     openlog("LANYX", LOG_PID, LOG_USER);
     setlogmask(0x7F);
     syslog(LOG_INFO, "Starting %s", "LANYX");

@@ -153,8 +153,13 @@ TEST_F(ToolsTest, LiveCoreWaitsForTheAgentOnlyWhenAsked) {
 
     Args waiting = trace;
     waiting.insert(waiting.begin() + 1, "-w");
+    // The agent comes up once the waiting run has begun, as the call trace shows.
+    root_.Edit([](json& s) { s["faults"]["trace"] = true; });
+    const auto begun = [&] {
+        return root_.Read("/var/lib/hostsim/calls.log").find("tesseltrace -w") != std::string::npos;
+    };
     std::thread starter([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        LanyxTest::PollUntil(begun, std::chrono::seconds(10));
         Tool({"agents.sh", "start"});
     });
     const auto result = Tool(waiting);

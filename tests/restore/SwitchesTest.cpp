@@ -299,7 +299,7 @@ TEST_F(Switches, AdapterInfoOfEachKindOfNicAndItsLabelFailure) {
     EXPECT_TRUE(Host().Messages("user.err").empty());
 }
 
-TEST(AdapterText, RowFitsItsColumns) {
+TEST(AdapterText, RowFitsItsColumnsAndDetailsNameEveryField) {
     AdapterInfo info{"hwport0", "Broadline 5720", "b0:26:28:4e:00:a2", "Connected", ""};
     EXPECT_EQ(FormatAdapterRow(info),
               "{align:padding:13}hwport0{/align}{align:padding:30}Broadline 5720 "
@@ -326,9 +326,7 @@ TEST(AdapterText, RowFitsItsColumns) {
     EXPECT_NE(FormatAdapterRow(info).find("Tessel X (b0:26:28:4e:00:a2)"), std::string::npos);
     info.hardwareLabel = "Tessel X7"; // 26: cut to the last 13
     EXPECT_NE(FormatAdapterRow(info).find("Tessel X7 (...6:28:4e:00:a2)"), std::string::npos);
-}
 
-TEST(AdapterText, DetailsNameEveryField) {
     EXPECT_EQ(FormatAdapterDetails({"hwport3", "N/A", "b0:26:28:4e:00:a3", "Connected", ""}),
               "Hardware Label: N/A\nMAC Address: b0:26:28:4e:00:a3\nConnection Status: "
               "Connected\nUsed By: None");

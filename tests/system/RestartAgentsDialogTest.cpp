@@ -1,10 +1,7 @@
 // The restart of the management agents against a simulated host, on a curses screen that writes
 // to nowhere: keys, the progress text, the agent script's runs, the live core and the records.
-#include <chrono>
 #include <filesystem>
-#include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -47,13 +44,7 @@ std::vector<std::string> ToolRuns(const std::string& tool) {
 
 // The thread is never waited for by the console; a test waits for its last trace, bounded.
 bool Eventually(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return true;
+    return LanyxTest::PollUntil(condition, std::chrono::seconds(20));
 }
 
 class RestartAgentsDialogTest : public ::testing::Test {

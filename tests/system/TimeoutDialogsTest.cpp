@@ -37,10 +37,6 @@ int64_t OptionValue(const char* name) {
     return Option(state, name)["value"].get<int64_t>();
 }
 
-std::vector<std::string> ToolRuns() {
-    return program->Host().ToolRuns();
-}
-
 class TimeoutDialogs : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -113,7 +109,7 @@ TEST_F(TimeoutDialogs, ShellValuesAppliedSkippedOrRefused) {
         EXPECT_EQ(OptionValue(kShellOption), c.availabilitySeconds);
         EXPECT_EQ(OptionValue(kIdleOption), c.idleSeconds);
         EXPECT_EQ(program->Host().Messages("user.info"), c.logs);
-        EXPECT_EQ(ToolRuns(), c.tools);
+        EXPECT_EQ(program->Host().ToolRuns(), c.tools);
     }
 }
 

@@ -18,9 +18,6 @@ using nlohmann::json;
 
 auto* const program = LanyxTest::AddProgramHost("default");
 
-void ResetState(const std::function<void(json&)>& change = {}) {
-    program->Reset(change);
-}
 std::vector<std::string> Logged(const std::string& text) {
     return program->Host().Matching(Record::Syslog, text);
 }
@@ -60,7 +57,7 @@ TEST(TextHelpers, WhiteSpaceVendorLineAndMemorySizes) {
 
 class HostFacts : public ::testing::Test {
 protected:
-    void SetUp() override { ResetState(); }
+    void SetUp() override { program->Reset(); }
 
     // The tag as a text area of the given width would show it.
     static std::string Tag(const std::string& tag, int width = 200) {
@@ -79,7 +76,7 @@ TEST_F(HostFacts, TagsFromTheHost) {
     };
     for (const auto& [tag, value] : tags)
         EXPECT_EQ(Tag(tag), value) << tag;
-    ResetState([](json& state) {
+    program->Reset([](json& state) {
         state["product"]["build"] = 123;
         state["host"]["domain"] = "";
         state["hardware"]["serviceTag"] = "";
@@ -93,10 +90,10 @@ TEST_F(HostFacts, TagsFromTheHost) {
 
 TEST_F(HostFacts, BiosFieldsFallBackAndLog) {
     // No adapter of that name: no log; an unreadable module: logged with the library's text.
-    ResetState([](json& state) { state["hardware"]["storageAdapters"].erase(0); });
+    program->Reset([](json& state) { state["hardware"]["storageAdapters"].erase(0); });
     EXPECT_EQ(GetBiosField(1), "N/A");
     EXPECT_TRUE(Logged("version string failed").empty());
-    ResetState();
+    program->Reset();
     program->Host().LibFault("SystemInfo::GetModule", "module table unreadable");
     EXPECT_EQ(GetBiosField(1), "N/A");
     EXPECT_EQ(Logged("Get storbus0 version string failed, err=module table unreadable").size(), 1u);

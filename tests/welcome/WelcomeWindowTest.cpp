@@ -20,12 +20,6 @@ using nlohmann::json;
 
 auto* const program = LanyxTest::AddProgramHost("default");
 
-void ResetState(const std::function<void(json&)>& change = {}) {
-    program->Reset(change);
-}
-void ChangeState(const std::function<void(json&)>& change) {
-    program->Host().Edit(change);
-}
 size_t Logged(Record record, const std::string& text) {
     return program->Host().Matching(record, text).size();
 }
@@ -55,7 +49,7 @@ struct Calls {
 class WelcomeWindowTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ResetState();
+        program->Reset();
         SetStringFactorySource(&GetStringFactory);
         sessionActive = false;
         exitPending = false;
@@ -87,7 +81,7 @@ protected:
 };
 
 TEST_F(WelcomeWindowTest, WarningsAndTheirOrder) {
-    ResetState([](json& state) {
+    program->Reset([](json& state) {
         state["network"]["interfaces"][0]["ipv4"]["mode"] = "dhcp";
         state["hardware"]["cpu"]["packages"] = 1;
     });
@@ -97,12 +91,12 @@ TEST_F(WelcomeWindowTest, WarningsAndTheirOrder) {
               "Tessellate(R) Core Gold 6430 @ 2.10GHz\n127.7 GiB Memory")
         << "a single package shows no count";
     EXPECT_EQ(window.GetWarningText()->GetText(), en_US_Factory().GetString(140));
-    ChangeState([](json& state) { state["bootOption"]["auditMode"] = true; });
+    program->Host().Edit([](json& state) { state["bootOption"]["auditMode"] = true; });
     window.Reload();
     EXPECT_EQ(window.GetWarningText()->GetText(), en_US_Factory().GetString(141))
         << "audit mode outweighs the missing server";
     // Without a management interface the earlier warning stays.
-    ChangeState([](json& state) {
+    program->Host().Edit([](json& state) {
         state["bootOption"]["auditMode"] = false;
         state["network"]["managementInterface"] = "";
     });
@@ -128,7 +122,7 @@ TEST_F(WelcomeWindowTest, F2RunsTheMenuInASessionAndF12TheShutdownOutsideOne) {
         EXPECT_FALSE(calls.sessionDuringShutdown && user);
         EXPECT_FALSE(sessionActive);
         EXPECT_EQ(Logged(Record::Syslog, "logged out"), user ? 1u : 0u);
-        ResetState();
+        program->Reset();
     }
     EXPECT_TRUE(program->Host().Lines(Record::Audit).empty());
 }
