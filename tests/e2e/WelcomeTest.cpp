@@ -168,7 +168,8 @@ TEST(Welcome, CustomMessageWithItsSubstitutions) {
 
 // ---------------------------------------------------------------- following the host
 
-TEST(Welcome, ReloadSignalAndKeysShowHostChanges) {
+// A key reloads too (the spine test); a host named localhost has no name line (in memory).
+TEST(Welcome, ReloadSignalShowsHostChanges) {
     auto s = Start();
     Console& console = s->Screen();
     HostRoot& root = s->Host();
@@ -187,11 +188,6 @@ TEST(Welcome, ReloadSignalAndKeysShowHostChanges) {
     ASSERT_TRUE(console.WaitForText("To manage this host, go to:"));
     EXPECT_TRUE(console.WaitForTextGone("Maintenance window"));
     EXPECT_TRUE(console.WaitForText("127.7 GiB Memory"));
-    // Any other key reloads too; a host named localhost has no name line.
-    root.Set("hostname", "localhost");
-    s->Key("x");
-    ASSERT_TRUE(s->Settle());
-    EXPECT_EQ(At(console, kManagementRow + 1), "https://192.168.10.21/ (STATIC)");
 }
 
 // F4 toggles monochrome: standout for the dark zones, amber without. "linux" on something that is
