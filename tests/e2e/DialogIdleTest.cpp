@@ -1,5 +1,7 @@
-// The idle limit inside each dialog of the menu and behind F12, and a new limit set in its dialog
-// taking effect at once; under accelerated clocks, so these tests run alone (see CMakeLists.txt).
+// The idle limit in the menu, inside each of its dialogs and behind F12, and a new limit set in
+// its dialog taking effect at once; under accelerated clocks, so these tests run alone (see
+// CMakeLists.txt).
+#include <chrono>
 #include <functional>
 #include <initializer_list>
 #include <string>
@@ -11,6 +13,7 @@
 #include "harness/Session.hpp"
 
 using namespace LanyxE2E;
+using Steps = std::vector<std::string>;
 
 namespace {
 
@@ -18,19 +21,11 @@ namespace {
 // each of which restarts the clock.
 constexpr const char* kSpeed = "+0 x20";
 
-::testing::AssertionResult OpenTroubleshooting(Session& s, const std::string& line) {
-    if (auto opened = s.OpenEntry("Troubleshooting Options"); !opened)
-        return opened;
-    if (auto shown = s.Screen().WaitForText("Troubleshooting Mode Options"); !shown)
-        return shown;
-    return line.empty() ? s.Settle() : s.OpenEntry(line);
-}
-
 // Behind F12 from the welcome screen, then `keys` in the shutdown dialog.
 ::testing::AssertionResult OpenShutdown(Session& s,
                                         std::initializer_list<std::string_view> keys = {}) {
-    if (!s.Key(Keys::F(12)) || !s.Screen().WaitForText("Authentication Required") || !s.Settle())
-        return ::testing::AssertionFailure() << "no login box behind F12";
+    if (auto box = s.Walk({"@f12"}); !box)
+        return box;
     if (!s.Type("root") || !s.Key(Keys::Enter) || !s.Type(kRootPassword) || !s.Key(Keys::Enter))
         return ::testing::AssertionFailure() << "not typed";
     if (auto shown = s.Screen().WaitForText("<F2> Shut Down  <F11> Restart"); !shown)
@@ -38,13 +33,18 @@ constexpr const char* kSpeed = "+0 x20";
     return s.Press(keys);
 }
 
-::testing::AssertionResult OpenMenuEntry(Session& s, const std::string& entry,
-                                         std::initializer_list<std::string_view> keys) {
-    if (auto in = s.LogIn(); !in)
-        return in;
-    if (auto selected = s.SelectEntry(entry); !selected)
-        return selected;
-    return s.Press(keys);
+// A session through `steps` (Session::Walk), then `keys`.
+std::function<::testing::AssertionResult(Session&)>
+Walk(Steps steps, std::initializer_list<std::string_view> keys = {}) {
+    std::vector<std::string_view> after(keys);
+    return [steps, after](Session& s) {
+        if (auto walked = s.Walk(steps); !walked)
+            return walked;
+        for (std::string_view key : after)
+            if (auto pressed = s.Press({key}); !pressed)
+                return pressed;
+        return ::testing::AssertionSuccess();
+    };
 }
 
 TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog) {
@@ -53,63 +53,49 @@ TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog) {
         std::string term;
         std::function<::testing::AssertionResult(Session&)> open;
         const char* shown;
-        bool loggedInFirst = true;
         const char* power = "on";
         const char* hostname = "changed-host"; // what the host has after the limit
     };
+    const std::string xterm = "xterm-256color";
+    // clang-format off
     const std::vector<Case> cases = {
-        {"troubleshooting menu", "xterm-256color",
-         [](Session& s) { return OpenTroubleshooting(s, ""); }, "Restart Management Agents"},
-        {"shell time-outs", "xterm-256color",
-         [](Session& s) { return OpenTroubleshooting(s, "Modify Ostra Shell and SSH"); },
-         "Availability timeout"},
-        {"console time-out", "xterm-256color",
-         [](Session& s) { return OpenTroubleshooting(s, "Modify LANYX idle timeout"); },
-         "LANYX idle timeout"},
-        {"password", "xterm-256color", [](Session& s) { return s.OpenEntry("Configure Password"); },
-         "Old Password:"},
-        {"keyboard", "xterm", [](Session& s) { return s.OpenEntry("Configure Keyboard"); },
-         "( ) Belgian"},
-        {"shutdown", "xterm-256color", [](Session& s) { return OpenShutdown(s); }, "<F2> Shut Down",
-         false},
-        {"waiting for the host to go down", "xterm-256color",
-         [](Session& s) { return OpenShutdown(s, {Keys::F(2)}); }, "Shutdown in progress...", false,
-         "off"},
-        {"lockdown", "xterm-256color",
-         [](Session& s) { return OpenMenuEntry(s, "Configure Lockdown Mode", {Keys::Enter}); },
-         "<Space> Toggle Selected", false},
-        {"reset question", "xterm-256color",
-         [](Session& s) { return OpenMenuEntry(s, "Reset System Configuration", {Keys::Enter}); },
-         "Reset System Configuration now?", false},
+        {"main menu", xterm, Walk({"@login"}), "Configure Password"},
+        {"troubleshooting menu", xterm, Walk({"@login", "Troubleshooting Options"}), "Restart Management Agents"},
+        {"shell time-outs", xterm, Walk({"@login", "Troubleshooting Options", "Modify Ostra Shell and SSH"}), "Availability timeout"},
+        {"console time-out", xterm, Walk({"@login", "Troubleshooting Options", "Modify LANYX idle timeout"}), "LANYX idle timeout"},
+        {"password", xterm, Walk({"@login", "Configure Password"}), "Old Password:"},
+        {"keyboard", "xterm", Walk({"@login", "Configure Keyboard"}), "( ) Belgian"},
+        {"shutdown", xterm, [](Session& s) { return OpenShutdown(s); }, "<F2> Shut Down"},
+        {"waiting for the host to go down", xterm, [](Session& s) { return OpenShutdown(s, {Keys::F(2)}); },
+         "Shutdown in progress...", "off"},
+        {"lockdown", xterm, Walk({"@login", "=Configure Lockdown Mode"}, {Keys::Enter}), "<Space> Toggle Selected"},
+        {"reset question", xterm, Walk({"@login", "=Reset System Configuration"}, {Keys::Enter}),
+         "Reset System Configuration now?"},
         // Reset, not restarted.
-        {"restart after the reset", "xterm-256color",
-         [](Session& s) {
-             return OpenMenuEntry(s, "Reset System Configuration", {Keys::Enter, Keys::F(11)});
-         },
-         "Default settings are restored.", false, "on", "lanyx-lab01"},
+        {"restart after the reset", xterm, Walk({"@login", "=Reset System Configuration"}, {Keys::Enter, Keys::F(11)}),
+         "Default settings are restored.", "on", "lanyx-lab01"},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
+        const auto start = std::chrono::steady_clock::now();
         Session s("default", {.settings = {{"lanyx-timeout", "120"}, {"hostname", "changed-host"}},
                               .term = c.term,
                               .faketime = kSpeed});
-        if (c.loggedInFirst) {
-            ASSERT_TRUE(s.LogIn());
-        }
         ASSERT_TRUE(c.open(s));
         ASSERT_TRUE(s.Screen().WaitForText(c.shown));
         ASSERT_TRUE(
             s.Host().WaitForLine(Record::Syslog, "]: User root logged out due to time out", 20s));
+        // The limit runs from the last key, typed after the start: it cannot end any sooner.
+        EXPECT_GE(std::chrono::steady_clock::now() - start, 5900ms);
         EXPECT_TRUE(s.AwaitWelcome());
         EXPECT_FALSE(s.Screen().CursorVisible());
         EXPECT_TRUE(s.Host().WaitForLine(
             Record::Audit,
             "action=lanyx.logout user=root service=lanyx success=1 reason=\"Time out\""));
         // Nothing of the dialog was applied.
-        EXPECT_TRUE(s.Host().Matching(Record::Syslog, "has changed").empty());
-        EXPECT_TRUE(s.Host().Matching(Record::Syslog, "Modified").empty());
-        EXPECT_TRUE(s.Host().Matching(Record::Syslog, "Keyboard Layout").empty());
-        EXPECT_TRUE(s.Host().Matching(Record::Syslog, "Lockdown mode").empty());
+        for (const char* line : {"has changed", "Modified", "Keyboard Layout", "Lockdown mode"})
+            EXPECT_TRUE(s.Host().Matching(Record::Syslog, line).empty()) << line;
         const nlohmann::json state = s.Host().State();
         EXPECT_EQ(state["power"].value("state", ""), c.power);
         EXPECT_EQ(state["host"].value("hostname", ""), c.hostname);
@@ -120,8 +106,7 @@ TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog) {
 TEST(DialogIdle, NewConsoleLimitCountsFromTheNextKey) {
     // No limit at the start: the session would stay open for ever.
     Session s("default", {.settings = {{"lanyx-timeout", "0"}}, .faketime = kSpeed});
-    ASSERT_TRUE(s.LogIn());
-    ASSERT_TRUE(OpenTroubleshooting(s, "Modify LANYX idle timeout"));
+    ASSERT_TRUE(s.Walk({"@login", "Troubleshooting Options", "Modify LANYX idle timeout"}));
     ASSERT_TRUE(s.Screen().WaitForText("Set idle timeout for LANYX access"));
     ASSERT_TRUE(s.Type("1") && s.Key(Keys::Enter));
     ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: Modified Lanyx timeout to 1 minutes"));

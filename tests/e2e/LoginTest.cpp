@@ -18,6 +18,7 @@ constexpr int kBoxColumn = 10, kTextColumn = 13, kRowWidth = 53;
 constexpr const char* kTitle = "Authentication Required";
 constexpr const char* kPasswordFooter = "<Enter> OK  <Esc> Cancel";
 constexpr const char* kPinHint = "<F3> Switch PIN/Password Login";
+constexpr const char* kKeyboardMessage = "If you are having difficulty using your keyboard";
 
 // What a field row shows between its brackets, trailing blanks removed.
 std::string FieldValue(const Console& console, int line) {
@@ -45,6 +46,13 @@ bool Selected(const Console& console, int line) {
 std::string Message(const Console& console, int row = kMessageRow) {
     return Trimmed(console.Text(row, kTextColumn, 54) + " " +
                    console.Text(row + 1, kTextColumn, 54));
+}
+
+// The name and the secret typed in turn, each with Enter; from the secret line Up goes back
+// to the name first.
+bool Attempt(Session& s, const std::string& name, const std::string& secret, bool up = false) {
+    return (!up || s.Key(Keys::Up)) && s.Type(name) && s.Key(Keys::Enter) && s.Type(secret) &&
+           s.Key(Keys::Enter);
 }
 
 // ---------------------------------------------------------------- the box
@@ -103,26 +111,40 @@ TEST(Login, PasswordModeLooksAndMoves) {
     EXPECT_EQ(FieldValue(console, 1), "");
 }
 
-TEST(Login, ConsoleModeAddsTheKeyboardLine) {
-    // A plain xterm outside a remote session counts as the machine's own screen.
-    Session s("default", {.settings = {{"keyboard-layout", "German"}}, .term = "xterm"});
+// A plain xterm outside a remote session counts as the machine's own screen: the keyboard line
+// comes first, and the layout chosen there applies before anyone has logged in.
+TEST(Login, ConsoleModeKeyboardLineChoosesTheLayout) {
+    Session s("default", {.settings = {{"keyboard-layout", "Croatian"}}, .term = "xterm"});
     Console& console = s.Screen();
+    HostRoot& host = s.Host();
     ASSERT_TRUE(s.OpenLogin());
-    EXPECT_EQ(console.Text(kListRow, kTextColumn, kRowWidth), "Configured Keyboard (German)");
+    EXPECT_EQ(console.Text(kListRow, kTextColumn, kRowWidth), "Configured Keyboard (Croatian)");
     EXPECT_EQ(FieldLabel(console, 1), "Login Name:");
     EXPECT_EQ(FieldLabel(console, 2), "Password:");
     EXPECT_TRUE(Selected(console, 1));
     // Tab on the secret wraps to the keyboard line; a letter there changes nothing, Enter opens
-    // the layout choice, Esc there comes back to the box, and Down still moves.
+    // the layout choice and Esc there comes back to the box.
     ASSERT_TRUE(s.Press({Keys::Tab, Keys::Tab}));
     EXPECT_TRUE(Selected(console, 0));
-    ASSERT_TRUE(s.Press({"q", Keys::Enter}));
-    EXPECT_TRUE(console.WaitForText("Configure Keyboard"));
-    ASSERT_TRUE(s.Press({Keys::Escape, Keys::Down}));
+    for (std::string_view leave : {Keys::Escape, std::string_view(" ")}) {
+        ASSERT_TRUE(s.Press({"q", Keys::Enter}));
+        ASSERT_TRUE(console.WaitForText(kKeyboardMessage));
+        ASSERT_TRUE(s.Press({leave}));
+    }
+    // Space ticked the first layout; Enter applies it.
+    ASSERT_TRUE(s.Press({Keys::Enter}));
+    ASSERT_TRUE(console.WaitForText("Configured Keyboard (Belgian)"));
+    EXPECT_EQ(host.State()["keyboard"]["layout"], "Belgian");
+    EXPECT_EQ(host.State()["keyboard"]["loaded"], "Belgian");
+    EXPECT_EQ(host.Matching(Record::Syslog, "]: Keyboard Layout changed to ").size(), 1u);
+    EXPECT_EQ(host.Matching(Record::Syslog, "]: Keyboard Layout changed to Belgian").size(), 1u);
+    // The box is as before: Down leads to the name, and the login goes on from there.
+    ASSERT_TRUE(s.Press({Keys::Down}));
     EXPECT_TRUE(Selected(console, 1));
     EXPECT_EQ(FieldValue(console, 1), "root");
     EXPECT_EQ(FieldValue(console, 2), "");
-    EXPECT_TRUE(console.Find(kTitle));
+    ASSERT_TRUE(Attempt(s, "root", kRootPassword));
+    EXPECT_TRUE(console.WaitForText("System Customization"));
 }
 
 // ---------------------------------------------------------------- the attempt
@@ -131,18 +153,18 @@ TEST(Login, RefusalsThenSuccessWithTheirRecords) {
     struct Refusal {
         std::string name, secret, log, auditReason, event, message;
     };
+    const std::string invalid = "Invalid login or password.";
+    // clang-format off
     const std::vector<Refusal> refusals = {
-        {"root", "wrong-Pass1", "Authentication of user root failed", "Invalid login",
-         "Authentication of user root failed", "Invalid login or password."},
-        {"guest", "guest-Pass1", "Access denied for user guest", "No permission",
-         "Access denied for user guest", "User does not have permission to login to LANYX."},
-        {"expired", "expired-Pass1", "Password has expired for user expired", "Password expired",
-         "Access denied for user expired",
+        {"root", "wrong-Pass1", "Authentication of user root failed", "Invalid login", "Authentication of user root failed", invalid},
+        {"guest", "guest-Pass1", "Access denied for user guest", "No permission", "Access denied for user guest",
+         "User does not have permission to login to LANYX."},
+        {"expired", "expired-Pass1", "Password has expired for user expired", "Password expired", "Access denied for user expired",
          "You will be prompted to set a new password and then login again."},
         // An empty secret goes to PAM like any other.
-        {"nobody", "", "Authentication of user nobody failed", "Invalid login",
-         "Authentication of user nobody failed", "Invalid login or password."},
+        {"nobody", "", "Authentication of user nobody failed", "Invalid login", "Authentication of user nobody failed", invalid},
     };
+    // clang-format on
     Session s;
     Console& console = s.Screen();
     HostRoot& host = s.Host();
@@ -151,12 +173,7 @@ TEST(Login, RefusalsThenSuccessWithTheirRecords) {
     for (size_t i = 0; i < refusals.size(); ++i) {
         const Refusal& refusal = refusals[i];
         SCOPED_TRACE(refusal.name);
-        if (i > 0)
-            s.Key(Keys::Up);
-        s.Type(refusal.name);
-        s.Key(Keys::Enter);
-        s.Type(refusal.secret);
-        s.Key(Keys::Enter);
+        ASSERT_TRUE(Attempt(s, refusal.name, refusal.secret, i > 0));
         ASSERT_TRUE(console.WaitForText(refusal.message));
         EXPECT_TRUE(console.Find("Authentication failed"));
         // Other keys leave the message open; Enter closes it.
@@ -173,6 +190,7 @@ TEST(Login, RefusalsThenSuccessWithTheirRecords) {
         EXPECT_TRUE(Selected(console, 1));
         EXPECT_EQ(FieldValue(console, 1), "");
         EXPECT_EQ(FieldValue(console, 0), refusal.name);
+        EXPECT_TRUE(console.CursorVisible()) << "the secret has the cursor again";
 
         const auto log = host.Matching(Record::Syslog, "]: " + refusal.log);
         ASSERT_EQ(log.size(), 1u);
@@ -191,11 +209,7 @@ TEST(Login, RefusalsThenSuccessWithTheirRecords) {
     }
 
     // After all that the right password still gets in; Esc in the menu ends the session.
-    s.Key(Keys::Up);
-    s.Type("root");
-    s.Key(Keys::Enter);
-    s.Type(kRootPassword);
-    s.Key(Keys::Enter);
+    ASSERT_TRUE(Attempt(s, "root", kRootPassword, true));
     ASSERT_TRUE(console.WaitForText("System Customization"));
     s.Key(Keys::Escape);
     ASSERT_TRUE(s.AwaitWelcome());
@@ -231,10 +245,7 @@ TEST(Login, SmartCardOpensInPinModeAndThePinGoesToPam) {
     EXPECT_EQ(FieldLabel(console, 1), "PIN:");
     EXPECT_TRUE(Selected(console, 0));
     EXPECT_EQ(s.Host().Matching(Record::Syslog, "Found smart card with user id 'root'").size(), 1u);
-    s.Type("root");
-    s.Key(Keys::Enter);
-    s.Type(kRootPassword);
-    s.Key(Keys::Enter);
+    ASSERT_TRUE(Attempt(s, "root", kRootPassword));
     ASSERT_TRUE(s.AwaitWelcome());
     EXPECT_TRUE(s.Host().WaitForLine(Record::Audit,
                                      "action=lanyx.login user=root service=lanyx success=1"));

@@ -59,20 +59,15 @@ TEST(Menu, EntriesGreyedAndSkippedByHost) {
     struct Case {
         std::string profile, term;
         std::vector<int> greyed;       // list lines
-        std::vector<std::string> walk; // what Down selects, from the first entry to the last
+        std::string from;              // the entry the walk starts on
+        std::vector<std::string> walk; // what Down selects from there
     };
     // clang-format off
     const std::vector<Case> cases = {
-        {"pxe-boot", "xterm-256color", {14},
-         {"Configure Lockdown Mode", "Configure Management Network", "Restart Management Network",
-          "Test Management Network", "Network Restore Options", "Troubleshooting Options",
-          "View System Logs", "View Support Information", "View Support Information"}},
-        {"no-nics", "xterm-256color", {3, 4, 5}, {"Configure Lockdown Mode", "Network Restore Options"}},
+        {"pxe-boot", "xterm-256color", {14}, "View System Logs", {"View Support Information", "View Support Information"}},
+        {"no-nics", "xterm-256color", {3, 4, 5}, "Configure Password", {"Configure Lockdown Mode", "Network Restore Options"}},
         // A plain xterm counts as the machine's own screen: the keyboard line comes in.
-        {"default", "xterm", {},
-         {"Configure Lockdown Mode", "Configure Management Network", "Restart Management Network",
-          "Test Management Network", "Network Restore Options", "Configure Keyboard",
-          "Troubleshooting Options"}},
+        {"default", "xterm", {}, "Network Restore Options", {"Configure Keyboard", "Troubleshooting Options"}},
     };
     // clang-format on
     for (const Case& c : cases) {
@@ -80,9 +75,9 @@ TEST(Menu, EntriesGreyedAndSkippedByHost) {
         auto s = LogIn(c.profile, {.term = c.term});
         for (int line = 0; line < 17; ++line)
             EXPECT_EQ(s->Greyed(line), std::ranges::count(c.greyed, line) == 1) << line;
+        ASSERT_TRUE(s->SelectEntry(c.from));
         for (const std::string& title : c.walk) {
-            s->Key(Keys::Down);
-            ASSERT_TRUE(s->Settle());
+            ASSERT_TRUE(s->Press({Keys::Down}));
             ASSERT_EQ(s->RightTitle(), title);
             if (title == "Configure Keyboard") {
                 EXPECT_EQ(s->Detail(),

@@ -1,6 +1,6 @@
 // The management network menu end to end: edits through the forms, the question on the way out,
-// the host afterwards, the apply's log lines in order, the welcome screen's address and the next
-// visit. Which stage logs what is the apply walk's own test.
+// the host afterwards, the welcome screen's address and the next visit. Which stage logs what is
+// the apply walk's own test.
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,37 +15,13 @@ using nlohmann::json;
 
 namespace {
 
-// `expected` stand among the system log's info lines in this order.
-::testing::AssertionResult InOrder(const std::vector<std::string>& lines,
-                                   const std::vector<std::string>& expected) {
-    auto at = lines.begin();
-    for (const std::string& line : expected) {
-        at = std::find(at, lines.end(), line);
-        if (at == lines.end())
-            return ::testing::AssertionFailure()
-                   << "missing or out of order: \"" << line << "\" in\n"
-                   << ::testing::PrintToString(lines);
-        ++at;
-    }
-    return ::testing::AssertionSuccess();
-}
-
 class Network : public ::testing::Test {
 protected:
     // Logged in, the network menu open on `entry`.
     void Open(const std::string& entry) {
-        ASSERT_TRUE(s.LogIn());
-        ASSERT_TRUE(s.OpenEntry("Configure Management Network"));
-        ASSERT_TRUE(s.Screen().WaitForText("Configure Management Network"));
-        ASSERT_TRUE(s.SelectEntry(entry));
+        ASSERT_TRUE(s.Walk({"@login", "Configure Management Network", "=" + entry}));
     }
-    // The right pane of the network menu.
-    std::string Detail() {
-        std::string text;
-        for (int row = 4; row < 22; ++row)
-            text += s.Screen().Text(row, 42, 36) + "\n";
-        return text;
-    }
+    std::string Detail() { return s.Detail(); }
     // Esc, "y" to the question, and back in the System Customization menu; then logged out.
     void ApplyAndLogOut() {
         s.Host().Mark();
@@ -54,14 +30,12 @@ protected:
         ASSERT_TRUE(s.Press({"y"}));
         ASSERT_TRUE(s.Host().WaitForLine(Record::Syslog, "Network settings changed."));
         ASSERT_TRUE(s.Screen().WaitForText("Configure Password"));
-        info = s.Host().Messages("user.info");
         ASSERT_TRUE(s.Press({Keys::Escape}));
         ASSERT_TRUE(s.AwaitWelcome());
     }
     json Tnic() { return s.Host().State()["network"]["interfaces"][0]; }
 
     Session s{"default"};
-    std::vector<std::string> info;
 };
 
 TEST_F(Network, ToDhcpAndBackThenANewAddressAndVlan) {
@@ -70,7 +44,6 @@ TEST_F(Network, ToDhcpAndBackThenANewAddressAndVlan) {
     ASSERT_TRUE(s.Press({Keys::Enter, Keys::Down, " ", Keys::Enter}));
     EXPECT_NE(Detail().find("Automatic"), std::string::npos) << s.Screen().Describe();
     ApplyAndLogOut();
-    EXPECT_TRUE(InOrder(info, {"Switching to DHCP on tnic0", "Network settings changed."}));
     EXPECT_EQ(Tnic()["ipv4"]["mode"], "dhcp");
     EXPECT_EQ(Tnic()["ipv4"]["dhcpServer"], "192.168.10.254");
     EXPECT_TRUE(s.Screen().WaitForText("https://192.168.10.57/ (DHCP)"));
@@ -81,9 +54,6 @@ TEST_F(Network, ToDhcpAndBackThenANewAddressAndVlan) {
     EXPECT_NE(Detail().find("IPv4 Address: 192.168.10.57"), std::string::npos);
     ASSERT_TRUE(s.Press({Keys::Enter, Keys::Down, Keys::Down, " ", Keys::Enter}));
     ApplyAndLogOut();
-    EXPECT_TRUE(
-        InOrder(info, {"Setting ipv4 configuration to 192.168.10.57 255.255.255.0 on tnic0",
-                       "Setting default gateway to 192.168.10.1", "Network settings changed."}));
     EXPECT_EQ(Tnic()["ipv4"]["mode"], "static");
     EXPECT_EQ(Tnic()["ipv4"]["dhcpServer"], "0.0.0.0");
     EXPECT_TRUE(s.Screen().WaitForText("https://192.168.10.57/ (STATIC)"));
@@ -103,12 +73,9 @@ TEST_F(Network, ToDhcpAndBackThenANewAddressAndVlan) {
     EXPECT_EQ(Detail().substr(0, 2), "42");
     s.Host().Edit([](json& state) { state["libRecords"] = json::array(); });
     ApplyAndLogOut();
-    EXPECT_TRUE(InOrder(info, {"Setting ipv4 configuration to 10.20.30.40 255.255.255.0 on tnic0",
-                               "Setting default gateway to 10.20.30.1",
-                               "Changed vlan, restarting management interface",
-                               "Network settings changed."}));
     const json state = s.Host().State();
     EXPECT_EQ(Tnic()["ipv4"]["address"], "10.20.30.40");
+    EXPECT_EQ(Tnic()["ipv4"]["netmask"], "255.255.255.0");
     EXPECT_EQ(state["network"]["gateway"], "10.20.30.1");
     EXPECT_EQ(state["portGroups"][0]["vlan"], 42);
     EXPECT_EQ(state["libRecords"][0]["operation"], "TesselNicImpl::Disable");

@@ -11,8 +11,16 @@
 
 using namespace LanyxE2E;
 using LanyxTest::Record;
+using nlohmann::json;
 
 namespace {
+
+// Each ping packet waits this long for an answer.
+std::function<void(HostRoot&)> PingInterval(int milliseconds) {
+    return [milliseconds](HostRoot& host) {
+        host.Edit([&](json& state) { state["ping"]["intervalMs"] = milliseconds; });
+    };
+}
 
 TEST(NetworkTools, RestartStopsAndStartsTheInterface) {
     // A DHCP host shows no IPv4 address, and its lease is renewed.
@@ -20,8 +28,7 @@ TEST(NetworkTools, RestartStopsAndStartsTheInterface) {
         SCOPED_TRACE(profile);
         Session s(profile);
         Console& console = s.Screen();
-        ASSERT_TRUE(s.LogIn());
-        ASSERT_TRUE(s.OpenEntry("Restart Management Network"));
+        ASSERT_TRUE(s.Walk({"@login", "Restart Management Network"}));
         ASSERT_TRUE(console.WaitForText("Restart Management Network: Confirm"));
         ASSERT_TRUE(s.Press({Keys::Enter}));
         EXPECT_TRUE(console.Find("Restart management network now?")) << "only F11 restarts";
@@ -36,8 +43,8 @@ TEST(NetworkTools, RestartStopsAndStartsTheInterface) {
             << console.Describe();
         EXPECT_TRUE(s.Host().WaitForLine(Record::Syslog, "]: Restarting tnic0"));
         EXPECT_TRUE(s.Host().WaitForLine(Record::Notad, "Restarting tnic0"));
-        const nlohmann::json nic = s.Host().State()["network"]["interfaces"][0];
-        EXPECT_EQ(nic["linkChanges"], nlohmann::json::array({"disable", "enable"}));
+        const json nic = s.Host().State()["network"]["interfaces"][0];
+        EXPECT_EQ(nic["linkChanges"], json::array({"disable", "enable"}));
         EXPECT_TRUE(nic["enabled"].get<bool>());
         EXPECT_EQ(nic["ipv4"].value("renewals", 0), renewals);
 
@@ -49,51 +56,58 @@ TEST(NetworkTools, RestartStopsAndStartsTheInterface) {
 }
 
 TEST(NetworkTools, RestartWithoutInterfaceOrWithAFailingOne) {
-    struct Case {
-        std::function<void(LanyxTest::HostRoot&)> change;
-        bool confirm; // the failure comes after F11
-        std::string message;
+    const auto noInterface = [](HostRoot& host) {
+        host.Edit([](json& state) { state["network"]["managementInterface"] = ""; });
     };
-    const std::vector<Case> cases = {
-        {[](LanyxTest::HostRoot& host) {
-             host.Edit([](nlohmann::json& state) { state["network"]["managementInterface"] = ""; });
-         },
-         false, "Management network interface cannot be found."},
-        {[](LanyxTest::HostRoot& host) { host.LibFault("TesselNicImpl::Disable", "link busy"); },
-         true, "Operation on the management network interface failed."},
+    const auto busyLink = [](HostRoot& host) {
+        host.LibFault("TesselNicImpl::Disable", "link busy");
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.message);
+    // The failure before the question, or after F11.
+    for (const auto& [change, confirm, message] :
+         {std::tuple{std::function<void(HostRoot&)>(noInterface), false,
+                     "Management network interface cannot be found."},
+          std::tuple{std::function<void(HostRoot&)>(busyLink), true,
+                     "Operation on the management network interface failed."}}) {
+        SCOPED_TRACE(message);
         Session s("default");
         ASSERT_TRUE(s.LogIn());
         // The menu was built with the interface present; it goes afterwards.
-        c.change(s.Host());
+        change(s.Host());
         ASSERT_TRUE(s.OpenEntry("Restart Management Network"));
-        if (c.confirm) {
+        if (confirm) {
             ASSERT_TRUE(s.Key(Keys::F(11)));
         }
-        ASSERT_TRUE(s.Screen().WaitForText(c.message));
+        ASSERT_TRUE(s.Screen().WaitForText(message));
         EXPECT_TRUE(s.Screen().Find("Restart Management Network: Error"));
         ASSERT_TRUE(s.Key(Keys::Enter));
-        EXPECT_TRUE(s.Screen().WaitForTextGone(c.message));
+        EXPECT_TRUE(s.Screen().WaitForTextGone(message));
     }
 }
 
+// Esc leaves a slow ping at once; then, with pings that answer, each step with its outcome.
 TEST(NetworkTools, TestPingsAndResolves) {
-    SessionOptions options;
-    // The second name server is down.
-    options.settings = {{"ping-reachable", "192.168.10.1,192.168.10.2"}};
-    options.prepare = [](LanyxTest::HostRoot& host) {
-        host.Edit([](nlohmann::json& state) { state["ping"]["intervalMs"] = 200; });
-    };
-    Session s("default", options);
+    // Unanswered, a ping of three packets takes five intervals: 20 seconds here.
+    Session s("default", {.settings = {{"ping-reachable", ""}}, .prepare = PingInterval(4000)});
     Console& console = s.Screen();
-    ASSERT_TRUE(s.LogIn());
-    ASSERT_TRUE(s.OpenEntry("Test Management Network"));
+    ASSERT_TRUE(s.Walk({"@login", "Test Management Network"}));
     ASSERT_TRUE(console.WaitForText("Ping Address #3:"));
     EXPECT_TRUE(console.Find("192.168.10.3")) << console.Describe();
     EXPECT_TRUE(console.Find("lanyx-lab01.lab.example.test")) << console.Describe();
+    ASSERT_TRUE(s.Key(Keys::Enter));
+    ASSERT_TRUE(console.WaitForText("Pinging address #1 (192.168.10.1)."));
+    const auto start = std::chrono::steady_clock::now();
+    console.Send(Keys::Escape);
+    ASSERT_TRUE(console.WaitForTextGone("Testing Management Network", 5s));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+    ASSERT_TRUE(s.Settle());
+    EXPECT_FALSE(console.Find("Pinging address #2"));
+    EXPECT_EQ(s.RightTitle(), "Test Management Network") << console.Describe();
 
+    // The second name server is down.
+    s.Host().Set("ping-reachable", "192.168.10.1,192.168.10.2");
+    PingInterval(200)(s.Host());
+    ASSERT_TRUE(s.OpenEntry("Test Management Network"));
+    ASSERT_TRUE(console.WaitForText("Ping Address #3:"));
     ASSERT_TRUE(s.Key(Keys::Enter));
     ASSERT_TRUE(console.WaitForText("Pinging address #1 (192.168.10.1)."));
     // Keys during a step are dropped: this Enter must not close the finished screen. Sent at
@@ -112,28 +126,6 @@ TEST(NetworkTools, TestPingsAndResolves) {
     }
     ASSERT_TRUE(s.Key(Keys::Enter));
     EXPECT_TRUE(console.WaitForTextGone("Testing Management Network"));
-}
-
-TEST(NetworkTools, EscapeLeavesASlowPingAtOnce) {
-    SessionOptions options;
-    // Unanswered, a ping of three packets takes five intervals: 20 seconds here.
-    options.settings = {{"ping-reachable", ""}};
-    options.prepare = [](LanyxTest::HostRoot& host) {
-        host.Edit([](nlohmann::json& state) { state["ping"]["intervalMs"] = 4000; });
-    };
-    Session s("default", options);
-    ASSERT_TRUE(s.LogIn());
-    ASSERT_TRUE(s.OpenEntry("Test Management Network"));
-    ASSERT_TRUE(s.Screen().WaitForText("Ping Address #1:"));
-    ASSERT_TRUE(s.Key(Keys::Enter));
-    ASSERT_TRUE(s.Screen().WaitForText("Pinging address #1 (192.168.10.1)."));
-    const auto start = std::chrono::steady_clock::now();
-    s.Screen().Send(Keys::Escape);
-    ASSERT_TRUE(s.Screen().WaitForTextGone("Testing Management Network", 5s));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
-    ASSERT_TRUE(s.Settle());
-    EXPECT_FALSE(s.Screen().Find("Pinging address #2"));
-    EXPECT_TRUE(s.Screen().Find("Test Management Network")) << s.Screen().Describe();
 }
 
 } // namespace

@@ -15,26 +15,29 @@ using Strings = std::vector<std::string>;
 
 namespace {
 
-constexpr int kTop = 4, kListColumn = 3;
 const std::string_view kF11 = Keys::F(11);
 const std::string kChange = "<Enter> Change             <Esc> Exit";
-
-std::string RightFooter(const Console& console) {
-    return console.Text(22, 41, 37);
-}
-
-bool Greyed(const Console& console, int line) {
-    const Cell cell = console.CellAt(kTop + line, kListColumn);
-    return cell.bg.IsIndex(3) && cell.fg.IsIndex(6);
-}
 
 // Logged in on `profile` with the network restore menu open.
 std::unique_ptr<Session> OpenRestore(const std::string& profile, SessionOptions options = {}) {
     auto s = std::make_unique<Session>(profile, std::move(options));
-    EXPECT_TRUE(s->LogIn());
-    EXPECT_TRUE(s->OpenEntry("Network Restore Options"));
+    EXPECT_TRUE(s->Walk({"@login", "Network Restore Options"}));
     EXPECT_TRUE(s->Screen().WaitForText("Create Standard Switch"));
     return s;
+}
+
+// `text` shown, then Enter closes its box.
+::testing::AssertionResult Acknowledge(Session& s, std::string_view text) {
+    if (auto shown = s.Screen().WaitForText(text); !shown)
+        return shown;
+    return s.Press({Keys::Enter});
+}
+
+// Empties the field the cursor is in, `length` characters long.
+void Clear(Session& s, size_t length) {
+    ASSERT_TRUE(s.Key(Keys::Home));
+    for (size_t i = 0; i <= length; ++i)
+        ASSERT_TRUE(s.Key(Keys::Delete));
 }
 
 const json* Named(const json& list, const std::string& name) {
@@ -54,16 +57,20 @@ bool AnyGuestRunning(const json& state) {
                                [](const json& guest) { return guest.value("running", false); });
 }
 
+size_t Count(const HostRoot& host, const std::string& line, Record record = Record::Syslog) {
+    return host.Matching(record, line).size();
+}
+
 // Lines of the system log since the mark that tell of this standard switch command.
 size_t Logged(const HostRoot& host, const std::string& command, const std::string& outcome) {
-    const std::string line = "Command \"ostraq network xbar standard " + command + "\" " + outcome;
-    return host.Matching(Record::Syslog, line).size();
+    return Count(host, "Command \"ostraq network xbar standard " + command + "\" " + outcome);
 }
 
 // Esc out of the restore menu and the main menu: the welcome screen of the repaired host.
-void BackToWelcome(Session& s) {
+void ExpectWelcomeAddress(Session& s, const std::string& address) {
     ASSERT_TRUE(s.Press({Keys::Escape, Keys::Escape}));
     ASSERT_TRUE(s.AwaitWelcome());
+    EXPECT_TRUE(s.Screen().Find(address)) << s.Screen().Describe();
 }
 
 // ---------------------------------------------------------------- the menu
@@ -76,38 +83,30 @@ TEST(Restore, MenuGreysWhatCannotWorkAndSkipsIt) {
         std::string footer; // the last entry's own
     };
     const std::string restart = "<Enter> Restart            <Esc> Exit";
+    // clang-format off
     const std::vector<Case> cases = {
-        {"default",
-         {2, 4, 5},
-         {"Create Port Group", "Restore Network Settings", "Restore Network Settings"},
-         restart},
-        {"fabric",
-         {2},
-         {"Create Port Group", "Restore Network Settings", "Restore Standard Switch",
-          "Restore fabric"},
+        {"default", {2, 4, 5}, {"Create Port Group", "Restore Network Settings", "Restore Network Settings"}, restart},
+        {"fabric", {2}, {"Create Port Group", "Restore Network Settings", "Restore Standard Switch", "Restore fabric"},
          "<Enter> Restore            <Esc> Exit"},
-        {"gridmesh",
-         {4, 5},
-         {"Create Port Group", "Migrate Tessel NIC to Standard", "Restore Network Settings",
-          "Restore Network Settings"},
-         restart},
+        {"gridmesh", {4, 5}, {"Create Port Group", "Migrate Tessel NIC to Standard", "Restore Network Settings",
+                              "Restore Network Settings"}, restart},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.profile);
         auto s = OpenRestore(c.profile);
-        Console& console = s->Screen();
         EXPECT_EQ(s->RightTitle(), "Create Standard Switch");
-        EXPECT_EQ(RightFooter(console), kChange) << console.Describe();
+        EXPECT_EQ(s->RightFooter(), kChange) << s->Screen().Describe();
         for (int line = 0; line < 6; ++line)
-            EXPECT_EQ(Greyed(console, line), std::ranges::count(c.greyed, line) == 1) << line;
+            EXPECT_EQ(s->Greyed(line), std::ranges::count(c.greyed, line) == 1) << line;
         for (const std::string& title : c.walk) {
             ASSERT_TRUE(s->Press({Keys::Down}));
-            ASSERT_EQ(s->RightTitle(), title) << console.Describe();
+            ASSERT_EQ(s->RightTitle(), title) << s->Screen().Describe();
         }
         // The entry's own word after a move, "Change" again after its dialog.
-        EXPECT_EQ(RightFooter(console), c.footer);
+        EXPECT_EQ(s->RightFooter(), c.footer);
         ASSERT_TRUE(s->Press({Keys::Enter, Keys::Escape}));
-        EXPECT_EQ(RightFooter(console), kChange) << console.Describe();
+        EXPECT_EQ(s->RightFooter(), kChange) << s->Screen().Describe();
     }
 }
 
@@ -135,8 +134,7 @@ TEST(Restore, FactoryRestoreOfAStrandedHost) {
 
     host.Mark();
     ASSERT_TRUE(s->Press({Keys::Enter, kF11}));
-    ASSERT_TRUE(console.WaitForText("Warning: VMs running on the host"));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "Warning: VMs running on the host"));
     ASSERT_TRUE(console.WaitForText("Powering Off VMs. Done."));
     EXPECT_TRUE(console.Find("Auto-configuring network. Done.")) << console.Describe();
     ASSERT_TRUE(s->Press({Keys::Escape}));
@@ -155,10 +153,9 @@ TEST(Restore, FactoryRestoreOfAStrandedHost) {
     EXPECT_TRUE(after["fabrics"].empty());
     for (const char* line : {"Clearing Network Config", "Auto-Configuring Network",
                              "Restoring factory network settings"})
-        EXPECT_EQ(host.Matching(Record::Syslog, line).size(), 1u) << line;
-    EXPECT_EQ(host.Matching(Record::Notad, "nota.user.lanyx.factory.network.restored").size(), 1u);
-    BackToWelcome(*s);
-    EXPECT_TRUE(console.Find("https://192.168.10.57/ (DHCP)")) << console.Describe();
+        EXPECT_EQ(Count(host, line), 1u) << line;
+    EXPECT_EQ(Count(host, "nota.user.lanyx.factory.network.restored", Record::Notad), 1u);
+    ExpectWelcomeAddress(*s, "https://192.168.10.57/ (DHCP)");
 }
 
 TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
@@ -170,6 +167,7 @@ TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
         bool cleared;       // the network configuration went
     };
     const std::string autoFailed = "auto-configuring network failed";
+    // clang-format off
     const std::vector<Case> cases = {
         {"haltGuests", true, "Powering Off VMs. Failed.", "Powering off VMs failed", false},
         {"DisableNetDumper", true, "Powering Off VMs. Done.", autoFailed, false},
@@ -177,6 +175,7 @@ TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
         {"ClearNetworkConfig", false, "Auto-configuring network. Failed.", autoFailed, false},
         {"AutoConfigNetwork", false, "Auto-configuring network. Failed.", autoFailed, true},
     };
+    // clang-format on
     auto s = OpenRestore("default");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
@@ -196,8 +195,7 @@ TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
         ASSERT_TRUE(s->OpenEntry("Restore Network Settings"));
         ASSERT_TRUE(s->Press({kF11}));
         if (c.guests) {
-            ASSERT_TRUE(console.WaitForText("Warning: VMs running on the host"));
-            ASSERT_TRUE(s->Press({Keys::Enter}));
+            ASSERT_TRUE(Acknowledge(*s, "Warning: VMs running on the host"));
         }
         ASSERT_TRUE(console.WaitForText("<Enter> OK"));
         EXPECT_TRUE(console.Find(c.shown)) << console.Describe();
@@ -209,8 +207,7 @@ TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
         }
         ASSERT_TRUE(s->Press({Keys::Enter}));
         // The records follow in every case.
-        EXPECT_EQ(host.Matching(Record::Notad, "nota.user.lanyx.factory.network.restored").size(),
-                  1u);
+        EXPECT_EQ(Count(host, "nota.user.lanyx.factory.network.restored", Record::Notad), 1u);
     }
 }
 
@@ -226,14 +223,14 @@ TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric) {
     ASSERT_TRUE(s->Press({Keys::Enter, Keys::Escape}));
     EXPECT_EQ(host.State()["network"], before["network"]) << "Esc leaves the host as it was";
     EXPECT_EQ(host.State()["switches"], before["switches"]);
-    EXPECT_FALSE(Greyed(console, 4));
+    EXPECT_FALSE(s->Greyed(4));
 
     ASSERT_TRUE(s->OpenEntry("Restore Standard Switch"));
     ASSERT_TRUE(s->Press({kF11}));
     EXPECT_FALSE(console.Find("Move the management network")) << console.Describe();
-    EXPECT_TRUE(Greyed(console, 4)) << "done once, the entry greys";
+    EXPECT_TRUE(s->Greyed(4)) << "done once, the entry greys";
     EXPECT_EQ(s->RightTitle(), "Restore fabric") << "and the selection moves on";
-    EXPECT_FALSE(Greyed(console, 5));
+    EXPECT_FALSE(s->Greyed(5));
 
     const json after = host.State();
     const json nic = Management(after);
@@ -251,12 +248,11 @@ TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric) {
     EXPECT_EQ((*xbar)["numPorts"], 128);
     EXPECT_EQ(Named(after["switches"], "switch0")->at("uplinks"), (Strings{"hwport0", "hwport1"}));
     EXPECT_TRUE(after["fabrics"][0]["uplinks"].empty());
-    const char* const logged =
-        "Enabling safe mode networking by moving all uplinks to a new management xbar";
-    EXPECT_EQ(host.Matching(Record::Syslog, logged).size(), 1u);
+    EXPECT_EQ(
+        Count(host, "Enabling safe mode networking by moving all uplinks to a new management xbar"),
+        1u);
     EXPECT_TRUE(host.Messages("user.err").empty());
-    BackToWelcome(*s);
-    EXPECT_TRUE(console.Find("https://192.168.10.21/ (STATIC)")) << console.Describe();
+    ExpectWelcomeAddress(*s, "https://192.168.10.21/ (STATIC)");
 }
 
 // ---------------------------------------------------------------- fabric restore
@@ -312,8 +308,7 @@ TEST(Restore, FabricRestoreMakesAHostLocalPort) {
           "vendorStrings", "vendorBinary", "overlayParams", "resPools", "resPoolAssoc"})
         EXPECT_EQ(properties[key], oldPort["properties"][key]) << key;
     EXPECT_EQ(after["fabrics"][0]["ports"][0], oldPort) << "the old port is left alone";
-    BackToWelcome(*s);
-    EXPECT_TRUE(console.Find("https://192.168.10.21/ (STATIC)")) << console.Describe();
+    ExpectWelcomeAddress(*s, "https://192.168.10.21/ (STATIC)");
 }
 
 TEST(Restore, FabricRestoreTakesBackThePortWhenAStepFails) {
@@ -323,14 +318,13 @@ TEST(Restore, FabricRestoreTakesBackThePortWhenAStepFails) {
     const json before = host.State();
     const std::string vlanRange = "Invalid FabricPort vlan specified. Valid range is 0-4094.";
     // A library step that refuses, or a VLAN out of range before anything is made.
-    for (const auto& [operation, vlan, logged] :
-         std::vector<std::tuple<std::string, std::string, std::string>>{
-             {"FabricPortImpl::CreateFabricPort", "", "refused"},
-             {"FabricPort::SetVendorData", "", "refused"},
-             {"FabricPort::SetVlanPolicy", "", "refused"},
-             {"FabricPort::SetTeamingPolicy", "", "refused"},
-             {"TesselNicImpl::ConnectTo", "", "refused"},
-             {"", "4095", vlanRange}}) {
+    // clang-format off
+    const std::vector<std::tuple<std::string, std::string, std::string>> cases = {
+        {"FabricPortImpl::CreateFabricPort", "", "refused"}, {"FabricPort::SetVendorData", "", "refused"},
+        {"FabricPort::SetVlanPolicy", "", "refused"}, {"FabricPort::SetTeamingPolicy", "", "refused"},
+        {"TesselNicImpl::ConnectTo", "", "refused"}, {"", "4095", vlanRange}};
+    // clang-format on
+    for (const auto& [operation, vlan, logged] : cases) {
         SCOPED_TRACE(operation + vlan);
         host.Fault({"clear"});
         if (!operation.empty())
@@ -339,12 +333,10 @@ TEST(Restore, FabricRestoreTakesBackThePortWhenAStepFails) {
         ASSERT_TRUE(s->OpenEntry("Restore fabric"));
         ASSERT_TRUE(console.WaitForText("Management Interface - tnic0"));
         if (!vlan.empty()) {
-            ASSERT_TRUE(s->Press({Keys::Down, Keys::Down}));
-            ASSERT_TRUE(s->Type(vlan));
+            ASSERT_TRUE(s->Press({Keys::Down, Keys::Down}) && s->Type(vlan));
         }
         ASSERT_TRUE(s->Press({kF11, Keys::Enter})); // continue without uplinks
-        ASSERT_TRUE(console.WaitForText("Unable to restore fabric. Check logs for details."));
-        ASSERT_TRUE(s->Press({Keys::Enter}));
+        ASSERT_TRUE(Acknowledge(*s, "Unable to restore fabric. Check logs for details."));
         EXPECT_EQ(host.Messages("user.err"),
                   Strings{"Unable to create Host Local Port: " + logged});
         EXPECT_EQ(host.State()["fabrics"], before["fabrics"]);
@@ -357,16 +349,14 @@ TEST(Restore, FabricRestoreTakesBackThePortWhenAStepFails) {
     host.Edit([](json& state) { state["fabrics"][0]["lanyxOwned"] = false; });
     ASSERT_TRUE(s->OpenEntry("Restore fabric"));
     ASSERT_TRUE(s->Press({Keys::Down, Keys::Enter}));
-    ASSERT_TRUE(console.WaitForText("performed on 3rd party fabric."));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "performed on 3rd party fabric."));
     ASSERT_TRUE(console.WaitForText("No uplinks are configured on the host for this fabric."));
     ASSERT_TRUE(s->Press({Keys::Enter, kF11, Keys::Enter}));
-    ASSERT_TRUE(console.WaitForText("performed on 3rd party fabric."));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "performed on 3rd party fabric."));
     EXPECT_EQ(host.State()["fabrics"][0]["ports"], before["fabrics"][0]["ports"]);
 }
 
-// ---------------------------------------------------------------- port group
+// ---------------------------------------------------------------- port group and new switch
 
 TEST(Restore, CreatePortGroup) {
     auto s = OpenRestore("default");
@@ -377,8 +367,8 @@ TEST(Restore, CreatePortGroup) {
     EXPECT_TRUE(console.Find("(o) switch0")) << console.Describe();
 
     ASSERT_TRUE(s->Press({Keys::Enter}));
-    ASSERT_TRUE(console.WaitForText("Please enter a valid port group name."));
-    ASSERT_TRUE(s->Press({Keys::Enter, Keys::Down, "d"}));
+    ASSERT_TRUE(Acknowledge(*s, "Please enter a valid port group name."));
+    ASSERT_TRUE(s->Press({Keys::Down, "d"}));
     ASSERT_TRUE(console.WaitForText("Switch Name: switch0"));
     EXPECT_TRUE(console.Find("Uplinks: hwport0,hwport1"));
     ASSERT_TRUE(s->Press({Keys::Enter, Keys::Up}));
@@ -389,18 +379,14 @@ TEST(Restore, CreatePortGroup) {
         SCOPED_TRACE(name.size());
         ASSERT_TRUE(s->Type(name));
         ASSERT_TRUE(s->Press({Keys::Enter}));
-        ASSERT_TRUE(console.WaitForText("Operation Failed"));
-        ASSERT_TRUE(s->Press({Keys::Enter}));
+        ASSERT_TRUE(Acknowledge(*s, "Operation Failed"));
         EXPECT_TRUE(console.Find(name.substr(name.size() - 10))) << console.Describe();
         EXPECT_EQ(host.State()["portGroups"], before["portGroups"]);
-        ASSERT_TRUE(s->Key(Keys::Home));
-        for (size_t i = 0; i <= name.size(); ++i)
-            ASSERT_TRUE(s->Key(Keys::Delete));
+        Clear(*s, name.size());
     }
     ASSERT_TRUE(s->Type("Storage"));
     ASSERT_TRUE(s->Press({Keys::Enter}));
-    ASSERT_TRUE(console.WaitForText("Successfully created portgroup: Storage"));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "Successfully created portgroup: Storage"));
     EXPECT_EQ(s->RightTitle(), "Create Port Group");
     const json groups = host.State()["portGroups"];
     const json* group = Named(groups, "Storage");
@@ -408,24 +394,6 @@ TEST(Restore, CreatePortGroup) {
     EXPECT_EQ((*group)["switch"], "switch0");
     EXPECT_EQ(Logged(host, "portgroup add -p Storage -v switch0", "succeeded"), 1u);
 }
-
-// Without a standard switch the port group box and the migration say what is missing and close.
-TEST(Restore, PortGroupAndMigrationWithoutStandardSwitch) {
-    auto s = OpenRestore("no-standard-switch", {.settings = {{"gridmesh-version", "3.2.1"}}});
-    ASSERT_TRUE(s->OpenEntry("Create Port Group"));
-    EXPECT_EQ(s->RightTitle(), "Create Port Group") << "the box opens and closes";
-    EXPECT_EQ(s->Host().Messages("user.err"), Strings{"No standard switches present"});
-
-    s->Host().Edit([](json& state) { state["gridmesh"]["running"] = true; });
-    ASSERT_TRUE(s->Press({Keys::Escape}));
-    ASSERT_TRUE(s->OpenEntry("Network Restore Options"));
-    ASSERT_TRUE(s->OpenEntry("Migrate Tessel NIC to Standard"));
-    ASSERT_TRUE(s->Screen().WaitForText("No port groups present"));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
-    EXPECT_EQ(s->RightTitle(), "Migrate Tessel NIC to Standard");
-}
-
-// ---------------------------------------------------------------- new standard switch
 
 TEST(Restore, CreateStandardSwitch) {
     auto s = OpenRestore("default");
@@ -450,15 +418,12 @@ TEST(Restore, CreateStandardSwitch) {
         host.Mark();
         ASSERT_TRUE(s->Type(typed));
         ASSERT_TRUE(s->Press({Keys::Enter}));
-        ASSERT_TRUE(console.WaitForText(shown)) << console.Describe();
-        ASSERT_TRUE(s->Press({Keys::Enter}));
+        ASSERT_TRUE(Acknowledge(*s, shown)) << console.Describe();
         const size_t runs = sent.empty() ? 0 : 1;
         EXPECT_EQ(host.Matching(Record::Syslog, "Command \"ostraq").size(), 2 * runs);
         EXPECT_EQ(Logged(host, "add -v " + sent, "failed"), runs);
         EXPECT_EQ(Logged(host, "uplink add -u hwport3 -v " + sent, uplink), runs);
-        ASSERT_TRUE(s->Key(Keys::Home));
-        for (size_t i = 0; i <= typed.size(); ++i)
-            ASSERT_TRUE(s->Key(Keys::Delete));
+        Clear(*s, typed.size());
     }
 
     // hwport1 belongs to switch0: No and Esc leave it there (one remove in the log), Yes moves it.
@@ -472,12 +437,10 @@ TEST(Restore, CreateStandardSwitch) {
             console.WaitForText("The chosen uplink \"hwport1\" is already in use by \"switch0\"."));
         ASSERT_TRUE(s->Press({answer}));
         if (answer != "y") {
-            ASSERT_TRUE(console.WaitForText("Operation Cancelled"));
-            ASSERT_TRUE(s->Press({Keys::Enter}));
+            ASSERT_TRUE(Acknowledge(*s, "Operation Cancelled"));
         }
     }
-    ASSERT_TRUE(console.WaitForText("Successfully created standard virtual switch: backup"));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "Successfully created standard virtual switch: backup"));
     const json after = host.State()["switches"];
     ASSERT_NE(Named(after, "backup"), nullptr);
     EXPECT_EQ((*Named(after, "backup"))["uplinks"], json({"hwport1"}));
@@ -485,6 +448,19 @@ TEST(Restore, CreateStandardSwitch) {
     for (const char* command : {"uplink remove -u hwport1 -v switch0", "add -v backup",
                                 "uplink add -u hwport1 -v backup"})
         EXPECT_EQ(Logged(host, command, "succeeded"), 1u) << command;
+}
+
+// Without a standard switch or a physical NIC the boxes say what is missing and close.
+TEST(Restore, RepairsWithoutTheirParts) {
+    auto s = OpenRestore("no-standard-switch", {.settings = {{"gridmesh-version", "3.2.1"}}});
+    ASSERT_TRUE(s->OpenEntry("Create Port Group"));
+    EXPECT_EQ(s->RightTitle(), "Create Port Group") << "the box opens and closes";
+    EXPECT_EQ(s->Host().Messages("user.err"), Strings{"No standard switches present"});
+    s->Host().Edit([](json& state) { state["gridmesh"]["running"] = true; });
+    ASSERT_TRUE(s->Press({Keys::Escape}));
+    ASSERT_TRUE(s->Walk({"Network Restore Options", "Migrate Tessel NIC to Standard"}));
+    ASSERT_TRUE(Acknowledge(*s, "No port groups present"));
+    EXPECT_EQ(s->RightTitle(), "Migrate Tessel NIC to Standard");
 
     auto bare = OpenRestore("no-nics");
     ASSERT_TRUE(bare->OpenEntry("Create Standard Switch"));
@@ -506,29 +482,27 @@ TEST(Restore, MigrateKernelNic) {
     ASSERT_TRUE(s->Press({Keys::Right, Keys::Right}));
     EXPECT_TRUE(console.Find("< VM Network"));
     ASSERT_TRUE(s->Press({"d"}));
-    ASSERT_TRUE(console.WaitForText("Portgroup Name: VM Network"));
-    ASSERT_TRUE(s->Press({Keys::Enter, Keys::Down, Keys::Right}));
+    ASSERT_TRUE(Acknowledge(*s, "Portgroup Name: VM Network"));
+    ASSERT_TRUE(s->Press({Keys::Down, Keys::Right}));
     EXPECT_TRUE(console.Find("< tnic0")) << "one interface: Right leaves it";
 
     host.Fault({"tool", "gridmeshcfg-xbar", "exit", "1"});
     ASSERT_TRUE(s->Press({Keys::Enter}));
-    ASSERT_TRUE(console.WaitForText("Operation Failed"));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "Operation Failed"));
     EXPECT_TRUE(host.State()["gridmesh"]["running"]) << "the agent is started again";
     EXPECT_EQ(Management(host.State())["connection"]["portGroup"], "Management Network");
 
     host.Fault({"clear"});
     host.Mark();
     ASSERT_TRUE(s->Press({Keys::Enter}));
-    ASSERT_TRUE(console.WaitForText("Successfully migrated tnic0 to VM Network"));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "Successfully migrated tnic0 to VM Network"));
     EXPECT_EQ(s->RightTitle(), "Migrate Tessel NIC to Standard Switch");
     const json after = host.State();
     EXPECT_EQ(Management(after)["connection"]["portGroup"], "VM Network");
     EXPECT_TRUE(after["gridmesh"]["running"]);
     for (const char* line : {"gridmesh-opsagent has been successfully stopped.",
                              "gridmesh-opsagent has been successfully started."})
-        EXPECT_EQ(host.Matching(Record::Syslog, line).size(), 1u) << line;
+        EXPECT_EQ(Count(host, line), 1u) << line;
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -14,200 +16,186 @@
 
 using namespace LanyxE2E;
 using nlohmann::json;
+using Strings = std::vector<std::string>;
 
 namespace {
 
 constexpr const char* kShutdownFooter = "<F2> Shut Down  <F11> Restart";
 constexpr const char* kForceOff = "[ ] Forcefully terminate running VMs, if any ...";
 constexpr const char* kForceOn = "[X] Forcefully terminate running VMs, if any ...";
+constexpr const char* kResetQuestion = "Reset System Configuration now?";
 
 class SystemOps : public ::testing::Test {
 protected:
-    Console* Start() {
-        session = std::make_unique<Session>("default");
-        root = &session->Host();
-        EXPECT_TRUE(session->AwaitWelcome());
-        return &session->Screen();
-    }
-
     // The shutdown dialog after a login as root by F12, ready for keys.
-    Console* OpenShutdown() {
-        Console* console = Start();
-        EXPECT_TRUE(session->Key(Keys::F(12)));
-        EXPECT_TRUE(console->WaitForText("Authentication Required"));
-        EXPECT_TRUE(session->Settle());
-        EXPECT_TRUE(session->Type("root") && session->Key(Keys::Enter) &&
-                    session->Type(kRootPassword) && session->Key(Keys::Enter));
-        EXPECT_TRUE(console->WaitForText(kShutdownFooter)) << console->Describe();
-        EXPECT_TRUE(session->Settle());
-        EXPECT_TRUE(console->Find(kForceOff)) << console->Describe();
-        return console;
+    ::testing::AssertionResult OpenShutdown() {
+        s = std::make_unique<Session>("default");
+        host = &s->Host();
+        if (auto welcome = s->AwaitWelcome(); !welcome)
+            return welcome;
+        if (auto box = s->Walk({"@f12"}); !box)
+            return box;
+        if (!s->Type("root") || !s->Key(Keys::Enter) || !s->Type(kRootPassword) ||
+            !s->Key(Keys::Enter))
+            return ::testing::AssertionFailure() << "the login was not typed";
+        if (auto shown = s->Screen().WaitForText(kShutdownFooter); !shown)
+            return shown;
+        if (auto settled = s->Settle(); !settled)
+            return settled;
+        if (!s->Screen().Find(kForceOff))
+            return ::testing::AssertionFailure() << s->Screen().Describe();
+        return ::testing::AssertionSuccess();
     }
 
-    // The menu after a login by F2, with `title` selected.
-    Console* OpenMenuAt(const std::string& title) {
-        Console* console = Start();
-        EXPECT_TRUE(session->LogIn());
-        EXPECT_TRUE(session->SelectEntry(title));
-        return console;
+    // The menu after a login by F2 on a host with `settings`, `title` selected.
+    ::testing::AssertionResult
+    OpenMenuAt(const std::string& title,
+               std::vector<std::pair<std::string, std::string>> settings = {}) {
+        s = std::make_unique<Session>("default", SessionOptions{.settings = std::move(settings)});
+        host = &s->Host();
+        return s->Walk({"@login", "=" + title});
     }
 
     // One key to a screen that reads keys, then `shown`.
     ::testing::AssertionResult Press(std::string_view key, std::string_view shown) {
-        if (!session->Key(key))
+        if (!s->Key(key))
             return ::testing::AssertionFailure() << "key not sent";
-        return session->Screen().WaitForText(shown);
+        return s->Screen().WaitForText(shown);
     }
 
-    std::string RightTitle() const { return session->RightTitle(); }
+    ::testing::AssertionResult PowerState(const std::string& state) {
+        return s->Screen().WaitFor([&] { return State()["power"].value("state", "") == state; },
+                                   10s, "power state " + state);
+    }
 
-    json State() const { return root->State(); }
+    json State() const { return host->State(); }
 
     size_t Count(Record record, std::string_view text) const {
-        return root->Matching(record, text).size();
+        return host->Matching(record, text).size();
     }
 
-    std::unique_ptr<Session> session;
-    HostRoot* root = nullptr;
+    std::unique_ptr<Session> s;
+    HostRoot* host = nullptr;
 };
 
 // ---------------------------------------------------------------- shut down and restart
 
+// The restart runs with an agent that refuses the operator: the autostop then runs as the
+// console's own user.
 TEST_F(SystemOps, ShutdownAndRestartStopTheGuestsThenRunThePowerCommand) {
     struct Case {
         std::string_view key;
         bool force; // the forced runs of both keys are in the fault test below
-        std::string title, message, logLine, event, action, powerState;
+        std::string title, message, logLine, event, action, powerState, agentUser;
     };
     const std::vector<Case> cases = {
         {Keys::F(2), false, "Shut Down Host", "Shutdown in progress...", "]: Shutting down host",
-         "@&!*@*@(nota.user.lanyx.shutdown.host)Shutting down host", "poweroff", "off"},
+         "@&!*@*@(nota.user.lanyx.shutdown.host)Shutting down host", "poweroff", "off", "root"},
         {Keys::F(11), true, "Restart Host", "Restart in progress...", "]: Rebooting host",
-         "@&!*@*@(nota.user.lanyx.reboot.host)Rebooting host", "reboot", "rebooting"},
+         "@&!*@*@(nota.user.lanyx.reboot.host)Rebooting host", "reboot", "rebooting", "lanyx"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.action);
-        Console* console = OpenShutdown();
+        ASSERT_TRUE(OpenShutdown());
+        Console& console = s->Screen();
+        if (c.agentUser != "root")
+            host->Set("helmq-users", "");
         // Enter accepts nothing here.
-        ASSERT_TRUE(session->Key(Keys::Enter));
+        ASSERT_TRUE(s->Key(Keys::Enter));
         if (c.force) {
             ASSERT_TRUE(Press(" ", kForceOn));
         }
-        ASSERT_TRUE(session->Settle());
-        EXPECT_TRUE(root->Matching(Record::Syslog, c.logLine).empty()) << "Enter ran nothing";
+        ASSERT_TRUE(s->Settle());
+        EXPECT_TRUE(host->Matching(Record::Syslog, c.logLine).empty()) << "Enter ran nothing";
 
-        ASSERT_TRUE(session->Key(c.key));
-        ASSERT_TRUE(console->WaitForText(c.message)) << console->Describe();
-        EXPECT_TRUE(console->Find(c.title));
-        ASSERT_TRUE(
-            console->WaitFor([&] { return State()["power"].value("state", "") == c.powerState; },
-                             10s, "power state " + c.powerState));
+        ASSERT_TRUE(s->Key(c.key));
+        ASSERT_TRUE(console.WaitForText(c.message)) << console.Describe();
+        EXPECT_TRUE(console.Find(c.title));
+        ASSERT_TRUE(PowerState(c.powerState));
         const json power = State()["power"];
         ASSERT_EQ(power["history"].size(), 1u) << power.dump();
         EXPECT_EQ(power["history"][0]["action"], c.action);
         EXPECT_TRUE(power["history"][0]["args"].empty());
-        EXPECT_EQ(root->ToolRuns("haltGuests"),
-                  std::vector<std::string>{c.force ? "--terminate" : ""});
-        EXPECT_EQ(root->ToolRuns("helmq"),
-                  std::vector<std::string>{"-U root helmnode/autostartmanager/autostop"});
+        EXPECT_EQ(host->ToolRuns("haltGuests"), Strings{c.force ? "--terminate" : ""});
+        EXPECT_EQ(host->ToolRuns("helmq"),
+                  Strings{"-U " + c.agentUser + " helmnode/autostartmanager/autostop"});
+        EXPECT_EQ(Count(Record::Syslog, "]: Unable to execute command helmq "
+                                        "helmnode/autostartmanager/autostop using user root. "
+                                        "Using user lanyx"),
+                  c.agentUser == "root" ? 0u : 1u);
         EXPECT_FALSE(State()["autostartManager"].value("running", true));
         const json guests = State()["guests"];
         for (const json& guest : guests)
             EXPECT_FALSE(guest.value("running", true)) << guest.dump();
         EXPECT_EQ(Count(Record::Syslog, c.logLine), 1u);
         EXPECT_EQ(Count(Record::Notad, c.event), 1u);
-        EXPECT_TRUE(root->Lines(Record::Audit).size() == 1u) << "the login's record alone";
+        EXPECT_EQ(host->Lines(Record::Audit).size(), 1u) << "the login's record alone";
 
         // The host goes down around the console: no key leads anywhere.
         for (std::string_view key : {Keys::Escape, Keys::Enter, Keys::F(2), Keys::F(11)})
-            ASSERT_TRUE(session->Key(key));
-        ASSERT_TRUE(session->Settle());
-        EXPECT_TRUE(console->Find(c.message)) << console->Describe();
+            ASSERT_TRUE(s->Key(key));
+        ASSERT_TRUE(s->Settle());
+        EXPECT_TRUE(console.Find(c.message)) << console.Describe();
         EXPECT_EQ(State()["power"]["history"].size(), 1u);
-        EXPECT_TRUE(console->Running());
+        EXPECT_TRUE(console.Running());
     }
 }
 
 TEST_F(SystemOps, EscapeLeavesTheShutdownDialogWithoutARecord) {
-    Console* console = OpenShutdown();
+    ASSERT_TRUE(OpenShutdown());
     ASSERT_TRUE(Press(" ", kForceOn));
-    ASSERT_TRUE(session->Key(" "));
-    ASSERT_TRUE(console->WaitForText(kForceOff));
-    ASSERT_TRUE(session->Key(Keys::Escape));
-    ASSERT_TRUE(session->AwaitWelcome());
-    EXPECT_TRUE(root->Matching(Record::Syslog, "]: Shutting down host").empty());
-    EXPECT_TRUE(root->Matching(Record::Syslog, "]: Rebooting host").empty());
-    EXPECT_TRUE(root->Lines(Record::Notad).empty());
+    ASSERT_TRUE(Press(" ", kForceOff));
+    ASSERT_TRUE(s->Key(Keys::Escape));
+    ASSERT_TRUE(s->AwaitWelcome());
+    EXPECT_TRUE(host->Matching(Record::Syslog, "]: Shutting down host").empty());
+    EXPECT_TRUE(host->Matching(Record::Syslog, "]: Rebooting host").empty());
+    EXPECT_TRUE(host->Lines(Record::Notad).empty());
     EXPECT_EQ(State()["power"].value("state", ""), "on");
-    EXPECT_TRUE(root->ToolRuns("haltGuests").empty());
+    EXPECT_TRUE(host->ToolRuns("haltGuests").empty());
     // No session was opened behind F12: no logout either.
-    EXPECT_TRUE(root->Matching(Record::Syslog, "logged out").empty());
+    EXPECT_TRUE(host->Matching(Record::Syslog, "logged out").empty());
 }
 
 TEST_F(SystemOps, PowerCommandThatCannotStartReturnsToTheDialogWithItsTick) {
-    struct Case {
-        std::string_view key;
-        std::string tool, logLine;
-    };
-    const std::vector<Case> cases = {
-        {Keys::F(2), "poweroff", "]: Shutting down host"},
-        {Keys::F(11), "reboot", "]: Rebooting host"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.tool);
-        Console* console = OpenShutdown();
-        root->Fault({"tool", c.tool, "signal"});
+    for (const auto& [key, tool, logLine, progress] :
+         {std::tuple{Keys::F(2), "poweroff", "]: Shutting down host", "Shutdown in progress..."},
+          std::tuple{Keys::F(11), "reboot", "]: Rebooting host", "Restart in progress..."}}) {
+        SCOPED_TRACE(tool);
+        ASSERT_TRUE(OpenShutdown());
+        Console& console = s->Screen();
+        host->Fault({"tool", tool, "signal"});
         ASSERT_TRUE(Press(" ", kForceOn));
-        ASSERT_TRUE(session->Key(c.key));
-        ASSERT_TRUE(root->WaitForLine(Record::Syslog, "]: Run Command did not terminate normally"));
-        ASSERT_TRUE(console->WaitFor(
-            [&] { return console->Find(kShutdownFooter) && console->Find(kForceOn); }, 10s,
-            "the shutdown dialog again"))
-            << console->Describe();
+        ASSERT_TRUE(s->Key(key));
+        ASSERT_TRUE(host->WaitForLine(Record::Syslog, "]: Run Command did not terminate normally"));
+        ASSERT_TRUE(
+            console.WaitFor([&] { return console.Find(kShutdownFooter) && console.Find(kForceOn); },
+                            10s, "the shutdown dialog again"))
+            << console.Describe();
         // The records and the stopped guests stay: nothing is undone.
-        EXPECT_EQ(Count(Record::Syslog, c.logLine), 1u);
-        EXPECT_EQ(root->Lines(Record::Notad).size(), 1u);
-        EXPECT_EQ(root->ToolRuns("haltGuests"), std::vector<std::string>{"--terminate"});
+        EXPECT_EQ(Count(Record::Syslog, logLine), 1u);
+        EXPECT_EQ(host->Lines(Record::Notad).size(), 1u);
+        EXPECT_EQ(host->ToolRuns("haltGuests"), Strings{"--terminate"});
         EXPECT_EQ(State()["power"].value("state", ""), "on");
         EXPECT_TRUE(State()["power"]["history"].empty());
 
         // Once the tool works again the same dialog carries the operation out.
-        root->Fault({"clear", c.tool});
-        const std::string progress =
-            c.tool == "poweroff" ? "Shutdown in progress..." : "Restart in progress...";
-        ASSERT_TRUE(Press(c.key, progress));
-        EXPECT_TRUE(console->WaitFor([&] { return State()["power"]["history"].size() == 1u; }, 10s,
-                                     "the power record"));
+        host->Fault({"clear", tool});
+        ASSERT_TRUE(Press(key, progress));
+        EXPECT_TRUE(console.WaitFor([&] { return State()["power"]["history"].size() == 1u; }, 10s,
+                                    "the power record"));
     }
 }
 
 TEST_F(SystemOps, AbsentPowerCommandStillEndsInTheEndlessWait) {
     // Only a shell that cannot start brings the operator back; a missing command does not.
-    Console* console = OpenShutdown();
-    root->Fault({"tool", "poweroff", "absent"});
-    ASSERT_TRUE(session->Key(Keys::F(2)));
-    ASSERT_TRUE(console->WaitForText("Shutdown in progress..."));
-    ASSERT_TRUE(console->WaitFor([&] { return root->ToolRuns("haltGuests").size() == 1u; }, 10s,
-                                 "the guests halted"));
-    ASSERT_TRUE(session->Key(Keys::Escape));
-    ASSERT_TRUE(session->Settle());
-    EXPECT_TRUE(console->Find("Shutdown in progress...")) << console->Describe();
+    ASSERT_TRUE(OpenShutdown());
+    host->Fault({"tool", "poweroff", "absent"});
+    ASSERT_TRUE(Press(Keys::F(2), "Shutdown in progress..."));
+    ASSERT_TRUE(s->Screen().WaitFor([&] { return host->ToolRuns("haltGuests").size() == 1u; }, 10s,
+                                    "the guests halted"));
+    ASSERT_TRUE(s->Press({Keys::Escape}));
+    EXPECT_TRUE(s->Screen().Find("Shutdown in progress...")) << s->Screen().Describe();
     EXPECT_EQ(State()["power"].value("state", ""), "on");
-}
-
-TEST_F(SystemOps, AutostopRefusedForTheOperatorRunsAsTheConsolesOwnUser) {
-    Console* console = OpenShutdown();
-    root->Set("helmq-users", "");
-    ASSERT_TRUE(session->Key(Keys::F(11)));
-    ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; },
-                                 10s, "the reboot"));
-    EXPECT_EQ(Count(Record::Syslog,
-                    "]: Unable to execute command helmq helmnode/autostartmanager/autostop using "
-                    "user root. Using user lanyx"),
-              1u);
-    EXPECT_EQ(root->ToolRuns("helmq"),
-              std::vector<std::string>{"-U lanyx helmnode/autostartmanager/autostop"});
-    EXPECT_FALSE(State()["autostartManager"].value("running", true));
 }
 
 // ---------------------------------------------------------------- lockdown mode
@@ -216,15 +204,14 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain) {
     struct Case {
         std::string name;
         bool enabledBefore;
-        std::vector<std::string>
-            setAfterMenu; // a hostsim setting pair, applied once the menu stands
-        std::vector<std::string> faultAfterMenu;
+        Strings setAfterMenu; // a hostsim setting pair, applied once the menu stands
+        Strings faultAfterMenu;
         bool tickedAtOpen;
         std::vector<std::string_view> keys;
         bool shownAfter;     // what the menu says afterwards
         bool enabledAfter;   // what the host has
         std::string logLine; // "" for none
-        std::vector<std::string> lockdownRuns;
+        Strings lockdownRuns;
     };
     const std::string enterRun = "-U lanyx helmsvc/auth/lockdown_mode_enter";
     const std::string failed = "]: Enabling lockdown mode failed with error: ";
@@ -244,43 +231,41 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain) {
     // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        Console* console = Start();
-        root->Set("lockdown-enabled", c.enabledBefore ? "true" : "false");
-        ASSERT_TRUE(session->LogIn());
-        ASSERT_TRUE(session->SelectEntry("Configure Lockdown Mode"));
-        ASSERT_TRUE(console->WaitForText(c.enabledBefore ? "Enabled" : "Disabled"));
+        ASSERT_TRUE(OpenMenuAt("Configure Lockdown Mode",
+                               {{"lockdown-enabled", c.enabledBefore ? "true" : "false"}}));
+        Console& console = s->Screen();
+        ASSERT_TRUE(console.WaitForText(c.enabledBefore ? "Enabled" : "Disabled"));
         if (!c.setAfterMenu.empty())
-            root->Set(c.setAfterMenu[0], c.setAfterMenu[1]);
+            host->Set(c.setAfterMenu[0], c.setAfterMenu[1]);
         if (!c.faultAfterMenu.empty())
-            root->Fault(c.faultAfterMenu);
+            host->Fault(c.faultAfterMenu);
 
         ASSERT_TRUE(Press(Keys::Enter, "<Space> Toggle Selected"));
         EXPECT_TRUE(
-            console->Find(c.tickedAtOpen ? "[X] Enable lockdown mode" : "[ ] Enable lockdown mode"))
-            << console->Describe();
+            console.Find(c.tickedAtOpen ? "[X] Enable lockdown mode" : "[ ] Enable lockdown mode"))
+            << console.Describe();
         for (std::string_view key : c.keys) {
-            const bool toggles = key == " ";
-            ASSERT_TRUE(session->Key(key));
-            if (toggles) {
-                ASSERT_TRUE(console->WaitForText(c.tickedAtOpen ? "[ ] Enable" : "[X] Enable"));
+            ASSERT_TRUE(s->Key(key));
+            if (key == " ") {
+                ASSERT_TRUE(console.WaitForText(c.tickedAtOpen ? "[ ] Enable" : "[X] Enable"));
             }
         }
-        ASSERT_TRUE(console->WaitForTextGone("<Space> Toggle Selected"));
+        ASSERT_TRUE(console.WaitForTextGone("<Space> Toggle Selected"));
         // The menu shows what the host now reports, whatever the dialog did.
-        ASSERT_TRUE(console->WaitFor(
-            [&] { return console->Find(c.shownAfter ? "Enabled" : "Disabled").has_value(); }, 5s,
+        ASSERT_TRUE(console.WaitFor(
+            [&] { return console.Find(c.shownAfter ? "Enabled" : "Disabled").has_value(); }, 5s,
             "the menu's state"))
-            << console->Describe();
+            << console.Describe();
         EXPECT_EQ(State()["lockdown"].value("enabled", !c.enabledAfter), c.enabledAfter);
-        std::vector<std::string> runs;
-        for (const std::string& run : root->ToolRuns("helmq"))
+        Strings runs;
+        for (const std::string& run : host->ToolRuns("helmq"))
             if (run.find("lockdown_mode") != std::string::npos)
                 runs.push_back(run);
         EXPECT_EQ(runs, c.lockdownRuns);
         // One line of the dialog at most, and only the expected one.
-        const size_t lines = Count(Record::Syslog, "]: Lockdown mode ") +
-                             Count(Record::Syslog, " lockdown mode failed");
-        EXPECT_EQ(lines, c.logLine.empty() ? 0u : 1u);
+        EXPECT_EQ(Count(Record::Syslog, "]: Lockdown mode ") +
+                      Count(Record::Syslog, " lockdown mode failed"),
+                  c.logLine.empty() ? 0u : 1u);
         if (!c.logLine.empty()) {
             EXPECT_EQ(Count(Record::Syslog, c.logLine), 1u);
         }
@@ -290,19 +275,17 @@ TEST_F(SystemOps, LockdownDialogSwitchesTheModeAndTheMenuAsksAgain) {
 // ---------------------------------------------------------------- reset of the configuration
 
 TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter) {
-    Console* console = OpenMenuAt("Reset System Configuration");
-    root->Set("hostname", "changed-host");
-    root->Set("lockdown-enabled", "true");
-    root->Set("ssh-running", "true");
-    ASSERT_TRUE(Press(Keys::Enter, "Reset System Configuration now?"));
+    ASSERT_TRUE(OpenMenuAt(
+        "Reset System Configuration",
+        {{"hostname", "changed-host"}, {"lockdown-enabled", "true"}, {"ssh-running", "true"}}));
+    Console& console = s->Screen();
+    ASSERT_TRUE(Press(Keys::Enter, kResetQuestion));
     // Enter is no answer here.
-    ASSERT_TRUE(session->Key(Keys::Enter));
-    ASSERT_TRUE(session->Settle());
-    EXPECT_TRUE(root->Matching(Record::Syslog, "Restoring factory defaults").empty());
+    ASSERT_TRUE(s->Press({Keys::Enter}));
+    EXPECT_TRUE(host->Matching(Record::Syslog, "Restoring factory defaults").empty());
 
-    ASSERT_TRUE(session->Key(Keys::F(11)));
-    ASSERT_TRUE(console->WaitForText("Default settings are restored. Press <Enter> to"));
-    EXPECT_FALSE(console->Find("Reset System Configuration now?"));
+    ASSERT_TRUE(Press(Keys::F(11), "Default settings are restored. Press <Enter> to"));
+    EXPECT_FALSE(console.Find(kResetQuestion));
     EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), 1u);
     EXPECT_EQ(Count(Record::Notad,
                     "@&!*@*@(nota.user.lanyx.restore.factory.defaults)Restoring factory defaults"),
@@ -312,54 +295,44 @@ TEST_F(SystemOps, ResetPutsTheFactoryConfigurationBackThenRestartsOnEnter) {
     EXPECT_FALSE(state["lockdown"].value("enabled", true));
     EXPECT_FALSE(state["services"]["SSH"].value("running", true));
     EXPECT_TRUE(state["guests"].empty());
-    EXPECT_EQ(root->ToolRuns("factoryState.py"), std::vector<std::string>{"--reset-only"});
+    EXPECT_EQ(host->ToolRuns("factoryState.py"), Strings{"--reset-only"});
     EXPECT_EQ(state["power"].value("state", ""), "on") << "not restarted before Enter";
 
-    for (std::string_view key : {Keys::Escape, Keys::F(11), std::string_view(" ")})
-        ASSERT_TRUE(session->Key(key));
-    ASSERT_TRUE(session->Settle());
+    ASSERT_TRUE(s->Press({Keys::Escape, Keys::F(11), " "}));
     EXPECT_EQ(State()["power"].value("state", ""), "on");
-    ASSERT_TRUE(session->Key(Keys::Enter));
-    ASSERT_TRUE(console->WaitFor([&] { return State()["power"].value("state", "") == "rebooting"; },
-                                 10s, "reboot"));
+    ASSERT_TRUE(s->Key(Keys::Enter));
+    ASSERT_TRUE(PowerState("rebooting"));
     const json history = State()["power"]["history"];
     ASSERT_EQ(history.size(), 1u);
     EXPECT_EQ(history[0]["action"], "reboot");
     EXPECT_EQ(history[0]["args"], json::array({"-f"}));
-    console->Send(Keys::Enter);
-    console->Send(Keys::Escape);
-    console->Pump(500ms);
-    EXPECT_TRUE(console->Find("Default settings are restored.")) << "waits for the host to go down";
+    console.Send(Keys::Enter);
+    console.Send(Keys::Escape);
+    console.Pump(500ms);
+    EXPECT_TRUE(console.Find("Default settings are restored.")) << "waits for the host to go down";
     EXPECT_EQ(State()["power"]["history"].size(), 1u);
 }
 
 TEST_F(SystemOps, ResetThatDoesNotHappen) {
-    struct Case {
-        std::string name;
-        std::vector<std::string> fault;
-        std::string_view key;
-        size_t records; // log lines and events
-    };
-    const std::vector<Case> cases = {
-        {"escape", {}, Keys::Escape, 0},
-        {"script fails", {"tool", "factoryState.py", "exit", "3"}, Keys::F(11), 1},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        Console* console = OpenMenuAt("Reset System Configuration");
-        root->Set("hostname", "changed-host");
-        if (!c.fault.empty())
-            root->Fault(c.fault);
-        ASSERT_TRUE(Press(Keys::Enter, "Reset System Configuration now?"));
-        ASSERT_TRUE(session->Key(c.key));
-        ASSERT_TRUE(console->WaitForTextGone("Reset System Configuration now?"));
+    // Esc, and a script that fails after its records.
+    for (const auto& [fault, key, records] :
+         {std::tuple{Strings{}, Keys::Escape, 0u},
+          std::tuple{Strings{"tool", "factoryState.py", "exit", "3"}, Keys::F(11), 1u}}) {
+        SCOPED_TRACE(records);
+        ASSERT_TRUE(OpenMenuAt("Reset System Configuration", {{"hostname", "changed-host"}}));
+        Console& console = s->Screen();
+        if (!fault.empty())
+            host->Fault(fault);
+        ASSERT_TRUE(Press(Keys::Enter, kResetQuestion));
+        ASSERT_TRUE(s->Key(key));
+        ASSERT_TRUE(console.WaitForTextGone(kResetQuestion));
         // Back in the menu, with no message of its own.
-        ASSERT_TRUE(console->WaitFor([&] { return RightTitle() == "Reset System Configuration"; },
-                                     5s, "menu"));
-        ASSERT_TRUE(session->Settle());
-        EXPECT_FALSE(console->Find("Default settings are restored.")) << console->Describe();
-        EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), c.records);
-        EXPECT_EQ(root->Lines(Record::Notad).size(), c.records);
+        ASSERT_TRUE(console.WaitFor([&] { return s->RightTitle() == "Reset System Configuration"; },
+                                    5s, "menu"));
+        ASSERT_TRUE(s->Settle());
+        EXPECT_FALSE(console.Find("Default settings are restored.")) << console.Describe();
+        EXPECT_EQ(Count(Record::Syslog, "]: Restoring factory defaults"), records);
+        EXPECT_EQ(host->Lines(Record::Notad).size(), records);
         EXPECT_EQ(State()["host"].value("hostname", ""), "changed-host");
         EXPECT_TRUE(State()["power"]["history"].empty());
     }

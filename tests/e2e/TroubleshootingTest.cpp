@@ -34,9 +34,11 @@ bool SshPortsOpen(const HostRoot& host) {
 
 // ---------------------------------------------------------------- lines and panes
 
-TEST(Troubleshooting, LinesPanesAndFooters) {
+// The lines with their panes and footers, then the toggles, which grey and free the time-outs.
+TEST(Troubleshooting, LinesPanesFootersAndTheToggles) {
     Session s;
     Console& console = s.Screen();
+    HostRoot& host = s.Host();
     ASSERT_TRUE(OpenMenu(s));
     EXPECT_EQ(s.List(5), "Enable Ostra Shell\nEnable SSH\nModify Ostra Shell and SSH timeouts\n"
                          "Modify LANYX idle timeout\nRestart Management Agents")
@@ -67,17 +69,10 @@ TEST(Troubleshooting, LinesPanesAndFooters) {
     ASSERT_TRUE(s.Press({Keys::Escape}));
     EXPECT_TRUE(console.WaitForText("System Customization"));
     EXPECT_EQ(s.RightTitle(), "Troubleshooting Options");
-    EXPECT_TRUE(s.Host().ToolRuns("helmq").empty());
-}
-
-TEST(Troubleshooting, TogglesGreyAndFreeTheTimeoutLine) {
-    Session s;
-    Console& console = s.Screen();
-    HostRoot& host = s.Host();
-    ASSERT_TRUE(OpenMenu(s));
+    EXPECT_TRUE(host.ToolRuns("helmq").empty());
 
     // Shell on: its label, its pane, the host, and the time-outs greyed and skipped.
-    ASSERT_TRUE(s.Press({Keys::Enter}));
+    ASSERT_TRUE(s.Walk({"Troubleshooting Options", "Ostra Shell"}));
     EXPECT_EQ(console.Text(kTop, kListColumn, 36), "Disable Ostra Shell");
     EXPECT_TRUE(s.Detail().starts_with("Ostra Shell is Enabled")) << s.Detail();
     EXPECT_EQ(Service(host, "OstraShell"), json({{"running", true}, {"enabled", true}}));
@@ -140,44 +135,29 @@ TEST(Troubleshooting, TogglesGetRoundAFailingAgent) {
         bool portsOpen;
         std::vector<std::string> agentRuns;
     };
+    const std::string unable = "warning Unable to run helmq to ";
+    const auto refusedRoot = [](HostRoot& h) {
+        h.Edit([](json& st) { st["hostAgent"]["users"] = json::array({"ops"}); });
+    };
+    // clang-format off
     const std::vector<Case> cases = {
-        {"the operator refused: the console's own account, for both commands",
-         {.prepare =
-              [](HostRoot& h) {
-                  h.Edit([](json& st) { st["hostAgent"]["users"] = json::array({"ops"}); });
-              }},
-         {"info Unable to execute command helmq helmnode/start_ostra_shell using user root. Using "
-          "user lanyx",
-          "info Unable to execute command helmq helmnode/start_ssh using user root. Using user "
-          "lanyx"},
-         true,
-         true,
-         true,
+        {"the operator refused: the console's own account, for both commands", {.prepare = refusedRoot},
+         {"info Unable to execute command helmq helmnode/start_ostra_shell using user root. Using user lanyx",
+          "info Unable to execute command helmq helmnode/start_ssh using user root. Using user lanyx"},
+         true, true, true,
          {"-U lanyx helmnode/start_ostra_shell", "-U lanyx helmnode/enable_ostra_shell",
           "-U lanyx helmnode/start_ssh", "-U lanyx helmnode/enable_ssh"}},
-        {"no agent tool: the init scripts, and the firewall by hand",
-         {.faults = {{"tool", "helmq", "absent"}}},
-         {"warning Unable to run helmq to start/stop Ostra Shell",
-          "warning Unable to run helmq to enable/disable Ostra Shell",
-          "warning Unable to run helmq to start/stop ssh",
-          "warning Unable to run helmq to enable/disable ssh"},
-         false,
-         false,
-         true,
-         {}},
+        {"no agent tool: the init scripts, and the firewall by hand", {.faults = {{"tool", "helmq", "absent"}}},
+         {unable + "start/stop Ostra Shell", unable + "enable/disable Ostra Shell", unable + "start/stop ssh",
+          unable + "enable/disable ssh"},
+         false, false, true, {}},
         {"a failing agent and a locked firewall",
-         {.faults = {{"tool", "helmq", "exit", "1"},
-                     {"lib", "FirewallRuleset::Enable", "ruleset locked"}}},
-         {"warning Unable to run helmq to start/stop Ostra Shell",
-          "warning Unable to run helmq to enable/disable Ostra Shell",
-          "warning Unable to run helmq to start/stop ssh",
-          "warning Failed to update firewall sshServer ruleset status: ruleset locked",
-          "warning Unable to run helmq to enable/disable ssh"},
-         false,
-         false,
-         false,
-         {}},
+         {.faults = {{"tool", "helmq", "exit", "1"}, {"lib", "FirewallRuleset::Enable", "ruleset locked"}}},
+         {unable + "start/stop Ostra Shell", unable + "enable/disable Ostra Shell", unable + "start/stop ssh",
+          "warning Failed to update firewall sshServer ruleset status: ruleset locked", unable + "enable/disable ssh"},
+         false, false, false, {}},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Session s("default", c.options);
