@@ -48,7 +48,11 @@ int ExitStatus(const std::string& text) {
 // Where an absent tool's script waits to come back: beside it, under a name no one calls.
 std::string Hidden(const std::string& path) {
     const std::filesystem::path file(path);
-    return (file.parent_path() / ("." + file.filename().string() + ".absent")).string();
+    // Appended piece by piece: GCC 12 warns falsely (-Wrestrict) on "." + std::string.
+    std::string name(".");
+    name += file.filename().string();
+    name += ".absent";
+    return (file.parent_path() / name).string();
 }
 
 // An absent tool is really gone from the root, so a start of it fails as on a host without it.

@@ -158,7 +158,7 @@ int TesselTrace(Context& context) {
         if (auto percent = fileName.find('%'); percent != std::string::npos)
             fileName.replace(percent, 1, std::to_string(n));
         else if (n > 1)
-            fileName += "." + std::to_string(n);
+            fileName.append(".").append(std::to_string(n));
         path = base + fileName + ".core";
         hostPath = folder + (folder.back() == '/' ? "" : "/") + fileName + ".core";
         fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
