@@ -2,6 +2,7 @@
 
 #include <clocale>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <curses.h>
 #include <fcntl.h>
@@ -9,6 +10,7 @@
 #include <linux/kd.h>
 #include <linux/vt.h>
 #include <sys/ioctl.h>
+#include <term.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -73,18 +75,27 @@ void SwitchTerminal(int number) {
         ioctl(console.Get(), VT_WAITACTIVE, number);
 }
 
+// Curses shows the cursor at its end only when it believes it hidden, and a child that drew on
+// the terminal (the pager) can leave it believing wrong: the terminal is told once more.
+void EndCurses() {
+    // After the regular end curses is already down, and the palette reset stays the last word.
+    if (isendwin())
+        return;
+    endwin();
+    const char* normal = tigetstr("cnorm");
+    if (normal && normal != reinterpret_cast<const char*>(-1))
+        putp(normal);
+    std::fflush(stdout);
+}
+
 void StartCurses() {
     // Nobody at a console's terminal could resume it: Ctrl-Z must not stop it (curses only
     // takes the signal over while it has its default action).
     signal(SIGTSTP, SIG_IGN);
     initscr();
     start_color();
-    // Every exit() leaves the terminal in its normal mode; after the regular end curses is
-    // already down and the palette reset must stay the last thing written.
-    std::atexit([] {
-        if (!isendwin())
-            endwin();
-    });
+    // Every exit() leaves the terminal in its normal mode.
+    std::atexit(EndCurses);
     curs_set(0);
     cbreak();
     noecho();
@@ -140,7 +151,7 @@ int RunConsole(int argc, char** argv, const FirstFrameFactory& createFirstFrame)
     firstFrame.reset();
     erase();
     refresh();
-    endwin();
+    EndCurses();
     // Resets the palette on a Linux console.
     std::cout << "\x1b]R" << std::flush;
     return 0;

@@ -153,7 +153,12 @@ public:
             const termios modes = console.Modes();
             if (!(modes.c_lflag & ICANON) || !(modes.c_lflag & ECHO) || console.AltScreen() ||
                 !console.CursorVisible() || SanitizerReport(console))
-                return Fail(screen, *s, keys_, recent, "terminal not restored");
+                return Fail(screen, *s, keys_, recent,
+                            std::string("terminal not restored:") +
+                                (modes.c_lflag & ICANON ? "" : " no ICANON") +
+                                (modes.c_lflag & ECHO ? "" : " no ECHO") +
+                                (console.AltScreen() ? " alternate screen" : "") +
+                                (console.CursorVisible() ? "" : " cursor hidden"));
         }
         std::cout << screen.name << ": " << keys_ << " keys, " << restarts << " restarts\n";
         return true;
