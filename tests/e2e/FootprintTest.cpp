@@ -99,12 +99,7 @@ TEST(Footprint, ASessionWritesNothingOutsideTheHostRoot) {
         ASSERT_TRUE(s.Type("25"));
         ASSERT_TRUE(s.Press({Keys::Enter, Keys::Escape, Keys::Escape}));
         ASSERT_TRUE(s.AwaitWelcome());
-        // The end by a signal, sent to the console under strace.
-        const std::string tracer = std::to_string(console.Pid());
-        pid_t traced = 0;
-        std::ifstream("/proc/" + tracer + "/task/" + tracer + "/children") >> traced;
-        ASSERT_GT(traced, 0);
-        ::kill(traced, SIGTERM);
+        console.Signal(SIGTERM);
         ASSERT_TRUE(console.ExitsWith(0));
         EXPECT_EQ(s.Host().Matching(Record::Syslog, "Modified Lanyx timeout to 25 minutes").size(),
                   1u)

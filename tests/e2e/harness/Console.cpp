@@ -517,7 +517,13 @@ void Console::Signal(int sig) {
     if (exit_)
         return;
     wakeFrom_ = FindReader(pid_, terminal_, true, tracer_);
-    kill(pid_, sig);
+    pid_t target = pid_;
+    // A tracer does not pass signals on: the program under it gets them.
+    if (tracer_) {
+        const std::string task = "/proc/" + std::to_string(pid_) + "/task/" + std::to_string(pid_);
+        std::istringstream(ProcFile(task + "/children")) >> target;
+    }
+    kill(target, sig);
 }
 
 void Console::Resize(int rows, int cols) {

@@ -104,7 +104,7 @@ public:
     // thread in its key wait; a pager or other child it waits for in its own read) and its
     // output is drained: what the screen shows then stays until the next key or signal.
     ::testing::AssertionResult WaitUntilReading(Duration timeout = 10s);
-    // Sends a signal to the process.
+    // Sends a signal to the program (under a tracer, to the program it runs).
     void Signal(int sig);
     // Changes the terminal size as a terminal window would: the process gets SIGWINCH.
     void Resize(int rows, int cols);
