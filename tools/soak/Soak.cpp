@@ -129,6 +129,12 @@ public:
                 continue;
             if (s->Screen().WaitUntilReading(15s))
                 continue;
+            // The pager runs with the terminal's own modes, where Ctrl-S stops the output.
+            if (s->Screen().OutputStopped()) {
+                s->Screen().Send("\x11");
+                if (s->Screen().WaitUntilReading(15s))
+                    continue;
+            }
             // Not reading: an end, a wait for the host to go down, or a fault.
             Console& console = s->Screen();
             console.Pump();
@@ -147,6 +153,10 @@ public:
         if (SanitizerReport(console))
             return Fail(screen, *s, keys_, recent, "sanitizer report");
         if (console.Running()) {
+            // The console takes the signal only after the pager it waits for has ended, and the
+            // pager keeps the signals the console blocks: it gets the hangup that a unit's stop
+            // sends to the processes left.
+            console.SignalChildren(SIGHUP);
             console.Signal(SIGTERM);
             if (!console.ExitsWith(0, 15s))
                 return Fail(screen, *s, keys_, recent, "no clean end on SIGTERM");

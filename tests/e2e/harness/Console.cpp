@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -40,7 +41,15 @@ namespace {
 #if !defined(__x86_64__)
 #error "the wait for a reading program knows the system call numbers of x86_64 only"
 #endif
-enum SystemCall : long { Read = 0, Poll = 7, Wait4 = 61, Ppoll = 271, Waitid = 247 };
+enum SystemCall : long {
+    Read = 0,
+    Write = 1,
+    Poll = 7,
+    Writev = 20,
+    Wait4 = 61,
+    Ppoll = 271,
+    Waitid = 247
+};
 
 std::string ProcFile(const std::string& path) {
     std::ifstream in(path);
@@ -106,6 +115,12 @@ bool PollsTerminal(pid_t pid, unsigned long address, unsigned long count,
     return false;
 }
 
+std::vector<pid_t> Children(pid_t pid) {
+    std::istringstream list(
+        ProcFile("/proc/" + std::to_string(pid) + "/task/" + std::to_string(pid) + "/children"));
+    return {std::istream_iterator<pid_t>(list), std::istream_iterator<pid_t>()};
+}
+
 // The process, the console or a child it waits for, that is blocked reading the terminal. The
 // console's own key wait polls the keyboard and its signal pipe; a poll of the keyboard alone is
 // curses waiting for the rest of an escape sequence, and a key sent then would join it.
@@ -130,9 +145,7 @@ std::optional<std::pair<pid_t, std::string>> FindReader(pid_t pid, const std::st
         break;
     case Wait4:
     case Waitid: {
-        std::istringstream children(ProcFile("/proc/" + std::to_string(pid) + "/task/" +
-                                             std::to_string(pid) + "/children"));
-        for (pid_t child; children >> child;)
+        for (pid_t child : Children(pid))
             if (auto reader = FindReader(child, terminal, console && tracer, false, depth + 1))
                 return reader;
         break;
@@ -519,11 +532,29 @@ void Console::Signal(int sig) {
     wakeFrom_ = FindReader(pid_, terminal_, true, tracer_);
     pid_t target = pid_;
     // A tracer does not pass signals on: the program under it gets them.
-    if (tracer_) {
-        const std::string task = "/proc/" + std::to_string(pid_) + "/task/" + std::to_string(pid_);
-        std::istringstream(ProcFile(task + "/children")) >> target;
-    }
+    if (const auto children = Children(pid_); tracer_ && !children.empty())
+        target = children.front();
     kill(target, sig);
+}
+
+void Console::SignalChildren(int sig) {
+    if (!exit_)
+        for (pid_t child : Children(pid_))
+            kill(child, sig);
+}
+
+bool Console::OutputStopped() {
+    Pump();
+    std::vector<pid_t> tree{pid_};
+    for (size_t i = 0; i < tree.size() && i < 16; ++i) {
+        const auto task = ReadTask(tree[i]);
+        if (task && task->state == 'S' && (task->call == Write || task->call == Writev) &&
+            IsTerminal(tree[i], static_cast<long>(task->args[0]), terminal_))
+            return true;
+        for (pid_t child : Children(tree[i]))
+            tree.push_back(child);
+    }
+    return false;
 }
 
 void Console::Resize(int rows, int cols) {

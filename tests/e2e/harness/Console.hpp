@@ -106,6 +106,11 @@ public:
     ::testing::AssertionResult WaitUntilReading(Duration timeout = 10s);
     // Sends a signal to the program (under a tracer, to the program it runs).
     void Signal(int sig);
+    // Sends a signal to the children of the program (a pager it waits for).
+    void SignalChildren(int sig);
+    // Whether the program or a child of it is blocked writing to the terminal: its output was
+    // stopped by flow control (Ctrl-S) and waits for Ctrl-Q.
+    bool OutputStopped();
     // Changes the terminal size as a terminal window would: the process gets SIGWINCH.
     void Resize(int rows, int cols);
 
