@@ -2,8 +2,11 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <dlfcn.h>
+#include <syslog.h>
 
 #include "host/HostRoot.hpp"
+#include "host/Log.hpp"
 
 namespace Lanyx {
 
@@ -52,11 +55,50 @@ int PamLoginConversation(int count, const pam_message** messages, pam_response**
 
 namespace {
 
-int StartExchange(const std::string& user, const pam_conv& conversation, pam_handle_t** handle) {
+// The PAM library, loaded at the first exchange rather than at start: it and the libraries it
+// pulls in cost the first screen more page faults than the rest of the console's start.
+struct PamLibrary {
+    int (*start)(const char*, const char*, const pam_conv*, pam_handle_t**) = nullptr;
+    int (*startConfdir)(const char*, const char*, const pam_conv*, const char*,
+                        pam_handle_t**) = nullptr;
+    int (*authenticate)(pam_handle_t*, int) = nullptr;
+    int (*acctMgmt)(pam_handle_t*, int) = nullptr;
+    int (*chauthtok)(pam_handle_t*, int) = nullptr;
+    int (*setcred)(pam_handle_t*, int) = nullptr;
+    int (*end)(pam_handle_t*, int) = nullptr;
+};
+
+template <typename Function> bool Bind(void* library, const char* name, Function& function) {
+    function = reinterpret_cast<Function>(dlsym(library, name));
+    return function != nullptr;
+}
+
+// Null when the library or one of its functions is missing; said once in the system log.
+const PamLibrary* Pam() {
+    static const PamLibrary* const loaded = []() -> const PamLibrary* {
+        static PamLibrary pam;
+        // Kept for the life of the process: modules it loaded may still be referenced.
+        void* library = dlopen("libpam.so.0", RTLD_NOW | RTLD_LOCAL);
+        if (library && Bind(library, "pam_start", pam.start) &&
+            Bind(library, "pam_start_confdir", pam.startConfdir) &&
+            Bind(library, "pam_authenticate", pam.authenticate) &&
+            Bind(library, "pam_acct_mgmt", pam.acctMgmt) &&
+            Bind(library, "pam_chauthtok", pam.chauthtok) &&
+            Bind(library, "pam_setcred", pam.setcred) && Bind(library, "pam_end", pam.end))
+            return &pam;
+        const char* why = dlerror();
+        Log(LOG_ERR, "Cannot load the PAM library: %s", why ? why : "unknown error");
+        return nullptr;
+    }();
+    return loaded;
+}
+
+int StartExchange(const PamLibrary& pam, const std::string& user, const pam_conv& conversation,
+                  pam_handle_t** handle) {
     // Under a host root the service file lies there too, not in the machine's /etc/pam.d.
-    return HostRootPrefix().empty() ? pam_start(pamService, user.c_str(), &conversation, handle)
-                                    : pam_start_confdir(pamService, user.c_str(), &conversation,
-                                                        HostPath("/etc/pam.d").c_str(), handle);
+    return HostRootPrefix().empty() ? pam.start(pamService, user.c_str(), &conversation, handle)
+                                    : pam.startConfdir(pamService, user.c_str(), &conversation,
+                                                       HostPath("/etc/pam.d").c_str(), handle);
 }
 
 } // namespace
@@ -92,38 +134,44 @@ bool PamChangePassword(const std::string& user, const std::string& oldPassword,
     passwordPromptsAnswered = 0;
     PasswordPair pair{oldCopy.Get(), newCopy.Get()};
     const pam_conv conversation{PamChangeConversation, &pair};
+    const PamLibrary* pam = Pam();
+    if (!pam)
+        return false;
     pam_handle_t* handle = nullptr;
     bool changed = false;
-    int result = StartExchange(user, conversation, &handle);
+    int result = StartExchange(*pam, user, conversation, &handle);
     if (result == PAM_SUCCESS) {
         // An expired password still authenticates; the change is what it asks for.
-        result = pam_authenticate(handle, PAM_SILENT);
+        result = pam->authenticate(handle, PAM_SILENT);
         if (result == PAM_SUCCESS || result == PAM_NEW_AUTHTOK_REQD)
-            result = pam_acct_mgmt(handle, PAM_SILENT);
+            result = pam->acctMgmt(handle, PAM_SILENT);
         if (result == PAM_SUCCESS || result == PAM_NEW_AUTHTOK_REQD)
-            result = pam_chauthtok(handle, PAM_SILENT);
+            result = pam->chauthtok(handle, PAM_SILENT);
         if (result == PAM_SUCCESS) {
-            result = pam_setcred(handle, PAM_REFRESH_CRED);
+            result = pam->setcred(handle, PAM_REFRESH_CRED);
             changed = result == PAM_SUCCESS;
         }
     }
     if (handle)
-        pam_end(handle, result);
+        pam->end(handle, result);
     return changed;
 }
 
 int PamCheckLogin(const std::string& user, const std::string& secret) {
     SecretCopy copy(secret);
     const pam_conv conversation{PamLoginConversation, copy.Get()};
+    const PamLibrary* pam = Pam();
+    if (!pam)
+        return PAM_SYSTEM_ERR;
     pam_handle_t* handle = nullptr;
-    int result = StartExchange(user, conversation, &handle);
+    int result = StartExchange(*pam, user, conversation, &handle);
     if (result == PAM_SUCCESS) {
-        result = pam_authenticate(handle, PAM_SILENT);
+        result = pam->authenticate(handle, PAM_SILENT);
         if (result == PAM_SUCCESS)
-            result = pam_acct_mgmt(handle, PAM_SILENT);
+            result = pam->acctMgmt(handle, PAM_SILENT);
     }
     if (handle)
-        pam_end(handle, result);
+        pam->end(handle, result);
     return result;
 }
 

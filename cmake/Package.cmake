@@ -89,6 +89,9 @@ who the host is and where it is managed, and after a PAM login it lets the
 operator repair what remote management needs: the management network and
 its restore, services and time-outs, the password, logs and power.")
 set(CPACK_DEBIAN_CONSOLE_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/packaging/console/conffiles)
+# The console loads PAM at the first login, where shlibdeps cannot see it; pam_start_confdir
+# came with 1.4.
+set(CPACK_DEBIAN_CONSOLE_PACKAGE_DEPENDS "libpam0g (>= 1.4)")
 # The console sets its own locale, en_US.UTF-8, which the locales package generates.
 set(CPACK_DEBIAN_CONSOLE_PACKAGE_RECOMMENDS locales)
 
