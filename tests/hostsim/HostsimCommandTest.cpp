@@ -48,74 +48,32 @@ TEST(HostsimCommand, EveryProfileGivesACompleteRoot) {
     }
 }
 
-// Names are unique, every reference points at something that exists, and a NIC has one holder.
+// The restore and adapter tests on this host rely on it being whole: one holder per NIC, and every
+// port group on the switch that lists it and teamed over that switch's uplinks.
 TEST(HostsimCommand, LargeProfileIsAConsistentHostOf256NicsAnd1000PortGroups) {
-    HostRoot root("large");
-    const nlohmann::json state = root.State();
-    std::set<std::string> nics;
-    std::set<std::string> macs;
-    int withoutLink = 0;
-    for (const auto& nic : state["pnics"]) {
-        nics.insert(nic["name"].get<std::string>());
-        macs.insert(nic["mac"].get<std::string>());
-        withoutLink += nic["link"] ? 0 : 1;
-        EXPECT_EQ(nic["speedMbps"] == 0, !nic["link"]) << nic;
-    }
+    const nlohmann::json state = HostRoot("large").State();
     EXPECT_EQ(state["pnics"].size(), 256u);
-    EXPECT_EQ(nics.size(), 256u);
-    EXPECT_EQ(macs.size(), 256u);
-    EXPECT_GT(withoutLink, 0);
-
-    std::map<std::string, std::string> holder;           // NIC -> switch or fabric
-    std::map<std::string, std::set<std::string>> listed; // switch -> its port groups
-    const auto hold = [&](const std::string& nic, const std::string& by) {
-        EXPECT_TRUE(nics.count(nic)) << nic;
-        EXPECT_TRUE(holder.emplace(nic, by).second)
-            << nic << " on " << by << " and " << holder[nic];
-    };
+    std::map<std::string, std::string> holder; // NIC -> switch or fabric
+    std::set<std::string> listed;              // "switch/port group"
     for (const auto& sw : state["switches"]) {
-        const std::string name = sw["name"];
         for (const auto& uplink : sw["uplinks"])
-            hold(uplink.get<std::string>(), name);
+            EXPECT_TRUE(holder.emplace(uplink, sw["name"]).second) << uplink;
         for (const auto& group : sw["portGroups"])
-            EXPECT_TRUE(listed[name].insert(group.get<std::string>()).second) << group;
+            listed.insert(sw["name"].get<std::string>() + "/" + group.get<std::string>());
     }
     for (const auto& fabric : state["fabrics"])
         for (const auto& uplink : fabric["uplinks"].items())
-            hold(uplink.key(), fabric["name"].get<std::string>());
-    EXPECT_GT(state["switches"].size(), 2u);
-    EXPECT_EQ(holder.at("hwport0"), "switch0");
-    EXPECT_LT(holder.size(), nics.size()); // some NICs are free
-
+            EXPECT_TRUE(holder.emplace(uplink.key(), fabric["name"]).second) << uplink.key();
     std::set<std::string> groups;
     for (const auto& group : state["portGroups"]) {
-        const std::string name = group["name"];
-        const std::string sw = group["switch"];
+        const std::string name = group["name"], sw = group["switch"];
         EXPECT_TRUE(groups.insert(name).second) << name;
-        EXPECT_TRUE(listed[sw].count(name)) << name;
+        EXPECT_TRUE(listed.count(sw + "/" + name)) << name;
         for (const auto& uplink : group["teaming"]["uplinkOrder"])
             EXPECT_EQ(holder[uplink.get<std::string>()], sw) << name << " teams over " << uplink;
     }
     EXPECT_EQ(groups.size(), 1000u);
-    size_t listedCount = 0;
-    for (const auto& [sw, names] : listed)
-        listedCount += names.size();
-    EXPECT_EQ(listedCount, 1000u);
-    EXPECT_EQ(state["network"]["interfaces"][0]["connection"]["portGroup"], "Management Network");
-}
-
-TEST(HostsimCommand, DefaultRootHasTheRealCertificateAndIsNotReplacedUnasked) {
-    HostRoot root("");
-    ASSERT_TRUE(root.Hostsim("create", {"--force"}).Succeeded());
-    // The root's shell sees the root's commands first.
-    EXPECT_NE(root.Read("/bin/sh").find("PATH=" + root.Path() + "/bin:" + root.Path() + "/sbin:"),
-              std::string::npos);
-    const std::string check = "openssl x509 -in " + root.File("/etc/zephora/ssl/node.crt") +
-                              " -noout -fingerprint -SHA1 >/dev/null 2>&1";
-    EXPECT_EQ(std::system(check.c_str()), 0);
-    const auto again = root.Hostsim("create");
-    EXPECT_FALSE(again.Succeeded());
-    EXPECT_NE(again.output.find("already"), std::string::npos);
+    EXPECT_EQ(listed.size(), 1000u);
 }
 
 TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
@@ -136,10 +94,7 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
              {bin, "set", root.Path(), "lockdown-enabled", "maybe"},
              {bin, "fault", root.Path(), "lib", "NoSuch::Operation", "x"},
              {bin, "fault", root.Path(), "tool", "helmq", "exit", "256"},
-             {bin, "fault", root.Path(), "tool", "helmq", "output", "\xff"},
-             {bin, "fault", root.Path(), "trace"},
              {bin, "fault", root.Path(), "trace", "yes"},
-             {bin, "fault", root.Path(), "trace", "on", "off"},
              {bin, "set", root.Path() + "/missing", "hostname", "x"}}) {
         const auto result = LanyxTest::RunProcess(bad);
         EXPECT_EQ(result.exit.Code(), 2) << LanyxTest::JoinCommand(bad) << ": " << result.output;
@@ -175,23 +130,4 @@ TEST(HostsimCommand, AbsentToolLeavesTheRootUntilItsFaultIsCleared) {
         EXPECT_EQ(root.Read("/sbin/ostraq"), script);
         EXPECT_TRUE(Exists(root, "/bin/ostraq"));
     }
-}
-
-TEST(HostsimCommand, TraceListsToolRunsAndOutlivesAClear) {
-    HostRoot root;
-    const auto helmq = [&] {
-        return LanyxTest::RunProcess(
-            {root.File("/bin/helmq"), "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"});
-    };
-    EXPECT_TRUE(helmq().Succeeded());
-    root.Fault({"trace", "on"});
-    root.Fault({"tool", "helmq", "exit", "3"});
-    EXPECT_EQ(helmq().exit.Code(), 3);
-    root.Fault({"clear"});
-    EXPECT_TRUE(root.State()["faults"]["trace"]);
-    EXPECT_TRUE(helmq().Succeeded());
-    root.Fault({"trace", "off"});
-    EXPECT_TRUE(helmq().Succeeded());
-    const std::string run = "tool helmq -U lanyx helmsvc/auth/lockdown_is_enabled\n";
-    EXPECT_EQ(root.Read("/var/lib/hostsim/calls.log"), run + run) << "the faulted run counts";
 }

@@ -83,33 +83,6 @@ TEST_F(Platform, DamagedOrMissingStateBecomesKeelsonExceptionNamingTheFile) {
     EXPECT_NE(NotaUserLib_Init(), 0);
 }
 
-TEST_F(Platform, FaultsMakeTheNamedOperationFail) {
-    root.LibFault("AdvancedOptionImpl::FindOption", "options broken");
-    root.LibFault("SmartCardInfoImpl::GetToken", "reader broken");
-    root.LibFault("SysinfoUtil::SysinfoGet", "node broken");
-    root.LibFault("TesselCtl_Exec", "exec broken");
-    root.LibFault("NotaUserLib_Init", "no notad");
-
-    EXPECT_EQ(ThrownText([] {
-                  delete TesselCtl::Adv::AdvancedOptionImpl::FindOption("/UserVars/LanyxTimeOut");
-              }),
-              "options broken");
-    Keelson::Hardware::SmartCardToken token;
-    EXPECT_EQ(ThrownText([&] { TesselCtl::Hardware::GetSmartCardInfo().GetToken("card", token); }),
-              "reader broken");
-    // Other operations of the same object are not touched.
-    EXPECT_EQ(TesselCtl::Hardware::GetSmartCardInfo().GetAllSlots().size(), 2u);
-    char record[PROBE_SYSTEM_VERSION_SIZE];
-    EXPECT_EQ(ThrownText([&] {
-                  TesselCtl::Util::SysinfoUtil::SysinfoGet(Probe_NODE_system_version, record,
-                                                           sizeof record);
-              }),
-              "node broken");
-    EXPECT_EQ(ThrownText([] { TesselCtl::Util::TesselCtl_Exec("true", false, true, false); }),
-              "exec broken");
-    EXPECT_NE(NotaUserLib_Init(), 0);
-}
-
 TEST_F(Platform, TraceListsEachFaultableCallInOrderWhileOn) {
     root.LibFault("TesselCtl_Exec", "exec broken");
     EXPECT_EQ(NotaUserLib_Init(), 0);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "HostRoot.hpp"
@@ -49,58 +48,6 @@ protected:
 
     LanyxTest::HostRoot root_{""};
 };
-
-TEST_F(ToolsTest, WrongArgumentsOrADamagedStateChangeNothing) {
-    const json before = root_.State();
-    for (const Args& wrong :
-         {Args{"helmq", "-U", "root"}, Args{"helmq", "-U", "root", "helmnode/fly"},
-          Args{"ostraq", "network", "xbar", "standard", "add", "-v", "a", "-v", "b"},
-          Args{"ostraq", "system", "settings", "advanced", "set", "-i", "5"},
-          Args{"no-such-tool"}}) {
-        const auto result = Tool(wrong);
-        EXPECT_EQ(result.exit.Code(), 2) << wrong[0] << ' ' << wrong.back();
-        EXPECT_FALSE(result.output.empty()) << wrong[0] << ' ' << wrong.back();
-    }
-    EXPECT_EQ(root_.State(), before);
-
-    std::ofstream(HostSim::StateStore(root_.Path()).StatePath()) << "{ not json";
-    const auto damaged = Tool({"SSH", "status"});
-    EXPECT_EQ(damaged.exit.Code(), 1);
-    EXPECT_NE(damaged.output.find(HostSim::StateStore(root_.Path()).StatePath()), std::string::npos)
-        << damaged.output;
-}
-
-TEST_F(ToolsTest, HelmqRefusesUnknownUsersWith255AndAnswersQueriesOnItsOutput) {
-    EXPECT_EQ(Status({"helmq", "-U", "guest", "helmcore/refresh"}), 255);
-    EXPECT_EQ(Status({"helmq", "-U", "root", "helmcore/refresh"}), 0);
-    // An explicit list replaces the permitted accounts; the service account stays allowed.
-    root_.Edit([](json& s) { s["hostAgent"]["users"] = json::array({"guest"}); });
-    EXPECT_EQ(Status({"helmq", "-U", "root", "helmcore/refresh"}), 255);
-    EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmcore/refresh"}), 0);
-
-    const Args enabled = {"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"};
-    EXPECT_EQ(Tool(enabled).output, "false\n");
-    EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_mode_enter"}), 0);
-    EXPECT_EQ(Tool(enabled).output, "true\n");
-    root_.Edit([](json& s) { s["lockdown"] = {{"enabled", false}, {"possible", false}}; });
-    EXPECT_NE(Status({"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_mode_enter"}), 0);
-    EXPECT_EQ(Tool(enabled).output, "false\n");
-
-    // Services follow helmq; the init scripts report them with 0 or 3.
-    EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmnode/stop_ssh"}), 0);
-    EXPECT_EQ(Status({"SSH", "status"}), 3);
-    EXPECT_EQ(Status({"agents.sh", "stop"}), 0);
-    EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmcore/refresh"}), 1);
-}
-
-TEST_F(ToolsTest, OstraqReportsTheAgentVersionOnOneLine) {
-    const auto result = Tool(
-        {"ostraq", "--formatter=keyvalue", "software", "plank", "get", "-n", "gridmesh-opsagent"});
-    ASSERT_EQ(result.exit.Code(), 0) << result.output;
-    EXPECT_NE(result.output.find("\nVersion=3.1.0\n"), std::string::npos) << result.output;
-    // The console's check picks the version out by that word.
-    EXPECT_EQ(result.output.find("Version"), result.output.rfind("Version"));
-}
 
 TEST_F(ToolsTest, OstraqBuildsSwitchesOnlyFromFreeUplinks) {
     const Args xbar = {"ostraq", "network", "xbar", "standard"};
