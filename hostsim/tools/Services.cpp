@@ -138,14 +138,16 @@ int TesselTrace(Context& context) {
 
     // -w waits for the process to be up, as it may be restarting; without it, or after the
     // wait, a process that is not running is an error.
+    // One look per round decides: a second look could find the agent stopped in between by a
+    // restart that runs beside the trace, and fail a trace that had found it.
     const bool wait = options.Has("-w");
-    for (int waited = 0; process == "helmd" && !AgentRunning(context.store.Read());
+    bool running = process == "helmd" && AgentRunning(context.store.Read());
+    for (int waited = 0; process == "helmd" && !running && wait && waited < kTraceWaitMs;
          waited += kTracePollMs) {
-        if (!wait || waited >= kTraceWaitMs)
-            break;
         ::usleep(kTracePollMs * 1000);
+        running = AgentRunning(context.store.Read());
     }
-    if (process != "helmd" || !AgentRunning(context.store.Read()))
+    if (!running)
         throw ToolFailure("tesseltrace: no running process named " + process, 1);
 
     std::string base = RootPath(context.root, folder);
