@@ -3,7 +3,7 @@
 // with status 0, or wait for a host going down where that is its answer), print no sanitizer
 // report, and leave the terminal as it found it.
 //
-//     lanyx_soak [--keys N] [--seed S] [--only NAME]
+//     lanyx_soak [--keys N] [--seed S] [--only NAME] [--verbose 1]   (1: why each restart)
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
@@ -110,7 +110,7 @@ bool SanitizerReport(const Console& console) {
 
 class Soak {
 public:
-    Soak(int keys, unsigned seed) : keys_(keys), random_(seed) {}
+    Soak(int keys, unsigned seed, bool verbose) : keys_(keys), verbose_(verbose), random_(seed) {}
 
     // Sends the keys to one screen; false with a report on the first fault.
     bool Run(const Screen& screen) {
@@ -152,6 +152,10 @@ public:
             if (!expected || SanitizerReport(console))
                 return Fail(screen, *s, sent, recent, ended ? "ended" : "stopped reading keys");
             ++restarts;
+            if (verbose_)
+                std::cout << screen.name << ": started again after " << sent << " keys ("
+                          << (ended ? "ended with status 0" : "host going down") << "), last key "
+                          << Printable(key) << std::endl;
             if (!(s = Start(screen)))
                 return false;
         }
@@ -201,6 +205,7 @@ private:
     }
 
     int keys_;
+    bool verbose_;
     std::mt19937 random_;
 };
 
@@ -210,12 +215,15 @@ int main(int argc, char** argv) {
     int keys = 10000;
     unsigned seed = std::random_device{}();
     std::string only;
+    bool verbose = false;
     for (int i = 1; i + 1 < argc; i += 2) {
         const std::string option = argv[i];
         if (option == "--keys")
             keys = std::atoi(argv[i + 1]);
         else if (option == "--seed")
             seed = static_cast<unsigned>(std::strtoul(argv[i + 1], nullptr, 10));
+        else if (option == "--verbose")
+            verbose = argv[i + 1] == std::string("1");
         else if (option == "--only")
             only = argv[i + 1];
     }
@@ -225,7 +233,8 @@ int main(int argc, char** argv) {
         if (!only.empty() && screen.name != only)
             continue;
         // Each screen draws from its own stream, so one can be run again alone with the seed.
-        Soak soak(keys, seed + static_cast<unsigned>(std::hash<std::string>{}(screen.name)));
+        Soak soak(keys, seed + static_cast<unsigned>(std::hash<std::string>{}(screen.name)),
+                  verbose);
         failures += soak.Run(screen) ? 0 : 1;
     }
     std::cout << (failures ? "FAILED" : "passed") << " (seed " << seed << ")" << std::endl;
