@@ -1,5 +1,5 @@
-// The login behind F2 on simulated hosts: the box in both modes, its keys, the PAM outcomes with
-// their records and the closed console.
+// The login behind F2 on simulated hosts: the box in both modes, its keys, the keyboard layout
+// from the box and from the menu, the PAM outcomes with their records and the closed console.
 #include <string>
 #include <vector>
 
@@ -112,8 +112,9 @@ TEST(Login, PasswordModeLooksAndMoves) {
 }
 
 // A plain xterm outside a remote session counts as the machine's own screen: the keyboard line
-// comes first, and the layout chosen there applies before anyone has logged in.
-TEST(Login, ConsoleModeKeyboardLineChoosesTheLayout) {
+// comes first, and the layout chosen there applies before anyone has logged in. The menu's own
+// keyboard entry then chooses again.
+TEST(Login, KeyboardLayoutFromTheLoginBoxThenFromTheMenu) {
     Session s("default", {.settings = {{"keyboard-layout", "Croatian"}}, .term = "xterm"});
     Console& console = s.Screen();
     HostRoot& host = s.Host();
@@ -137,14 +138,51 @@ TEST(Login, ConsoleModeKeyboardLineChoosesTheLayout) {
     EXPECT_EQ(host.State()["keyboard"]["layout"], "Belgian");
     EXPECT_EQ(host.State()["keyboard"]["loaded"], "Belgian");
     EXPECT_EQ(host.Matching(Record::Syslog, "]: Keyboard Layout changed to ").size(), 1u);
-    EXPECT_EQ(host.Matching(Record::Syslog, "]: Keyboard Layout changed to Belgian").size(), 1u);
     // The box is as before: Down leads to the name, and the login goes on from there.
     ASSERT_TRUE(s.Press({Keys::Down}));
     EXPECT_TRUE(Selected(console, 1));
     EXPECT_EQ(FieldValue(console, 1), "root");
     EXPECT_EQ(FieldValue(console, 2), "");
     ASSERT_TRUE(Attempt(s, "root", kRootPassword));
-    EXPECT_TRUE(console.WaitForText("System Customization"));
+    ASSERT_TRUE(console.WaitForText("System Customization"));
+
+    struct Round {
+        const char* name;
+        std::vector<std::string_view> keys;
+        std::string layout; // afterwards, loaded and shown in the menu too
+    };
+    // clang-format off
+    const std::vector<Round> rounds = {
+        {"Esc changes nothing", {Keys::Down, " ", Keys::Escape}, "Belgian"},
+        // Up at the top and letters change nothing; Space on the ticked line keeps it ticked.
+        {"Space on the ticked line", {Keys::Up, "x", " ", Keys::Enter}, "Belgian"},
+        {"Space ticks the selected line", {Keys::Down, " ", Keys::Enter}, "Brazilian"},
+        // Moving alone ticks nothing: Enter applies the ticked layout again, with its log line.
+        {"moving alone ticks nothing", {Keys::Down, Keys::Down, Keys::Down, Keys::Enter}, "Brazilian"},
+    };
+    // clang-format on
+    std::string ticked = "Belgian";
+    for (const Round& round : rounds) {
+        SCOPED_TRACE(round.name);
+        ASSERT_TRUE(s.OpenEntry("Configure Keyboard"));
+        ASSERT_TRUE(console.WaitForText(kKeyboardMessage));
+        EXPECT_TRUE(console.Find("(o) " + ticked)) << console.Describe();
+        EXPECT_TRUE(console.Find("( ) Croatian"));
+        for (std::string_view key : round.keys)
+            ASSERT_TRUE(s.Press({key}));
+        ASSERT_TRUE(console.WaitForTextGone(kKeyboardMessage));
+        ASSERT_TRUE(s.Settle());
+        EXPECT_EQ(host.State()["keyboard"]["layout"], round.layout);
+        EXPECT_EQ(host.State()["keyboard"]["loaded"], round.layout);
+        EXPECT_TRUE(console.Find(round.layout)) << console.Describe();
+        ticked = round.layout;
+    }
+    for (const auto& [layout, times] : {std::pair{"Belgian", 2u}, std::pair{"Brazilian", 2u}})
+        EXPECT_EQ(
+            host.Matching(Record::Syslog, std::string("]: Keyboard Layout changed to ") + layout)
+                .size(),
+            times)
+            << layout;
 }
 
 // ---------------------------------------------------------------- the attempt

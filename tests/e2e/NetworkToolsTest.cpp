@@ -62,16 +62,17 @@ TEST(NetworkTools, RestartWithoutInterfaceOrWithAFailingOne) {
     const auto busyLink = [](HostRoot& host) {
         host.LibFault("TesselNicImpl::Disable", "link busy");
     };
-    // The failure before the question, or after F11.
+    // The failure after F11, or before the question. The menu was built with the interface
+    // present; it goes afterwards.
+    Session s("default");
+    ASSERT_TRUE(s.LogIn());
     for (const auto& [change, confirm, message] :
-         {std::tuple{std::function<void(HostRoot&)>(noInterface), false,
-                     "Management network interface cannot be found."},
-          std::tuple{std::function<void(HostRoot&)>(busyLink), true,
-                     "Operation on the management network interface failed."}}) {
+         {std::tuple{std::function<void(HostRoot&)>(busyLink), true,
+                     "Operation on the management network interface failed."},
+          std::tuple{std::function<void(HostRoot&)>(noInterface), false,
+                     "Management network interface cannot be found."}}) {
         SCOPED_TRACE(message);
-        Session s("default");
-        ASSERT_TRUE(s.LogIn());
-        // The menu was built with the interface present; it goes afterwards.
+        s.Host().Fault({"clear"});
         change(s.Host());
         ASSERT_TRUE(s.OpenEntry("Restart Management Network"));
         if (confirm) {

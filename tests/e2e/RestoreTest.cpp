@@ -110,53 +110,7 @@ TEST(Restore, MenuGreysWhatCannotWorkAndSkipsIt) {
     }
 }
 
-// ---------------------------------------------------------------- factory restore
-
-TEST(Restore, FactoryRestoreOfAStrandedHost) {
-    auto s = OpenRestore("fabric-broken");
-    Console& console = s->Screen();
-    HostRoot& host = s->Host();
-    const json before = host.State();
-    ASSERT_TRUE(AnyGuestRunning(before));
-    ASSERT_TRUE(s->OpenEntry("Restore Network Settings"));
-    ASSERT_TRUE(console.WaitForText("Are you sure you want to reset the host"));
-    ASSERT_TRUE(s->Press({Keys::Enter}));
-    EXPECT_TRUE(console.Find("Restore Network Factory Settings")) << "only F11 confirms";
-
-    // Esc at the warning: back in the menu, nothing changed, no guest stopped.
-    ASSERT_TRUE(s->Press({kF11}));
-    ASSERT_TRUE(console.WaitForText("Warning: VMs running on the host"));
-    ASSERT_TRUE(s->Press({Keys::Escape}));
-    EXPECT_FALSE(console.Find("Restore Network Factory Settings")) << console.Describe();
-    EXPECT_EQ(s->RightTitle(), "Restore Network Settings");
-    EXPECT_EQ(host.State()["network"], before["network"]);
-    EXPECT_TRUE(AnyGuestRunning(host.State()));
-
-    host.Mark();
-    ASSERT_TRUE(s->Press({Keys::Enter, kF11}));
-    ASSERT_TRUE(Acknowledge(*s, "Warning: VMs running on the host"));
-    ASSERT_TRUE(console.WaitForText("Powering Off VMs. Done."));
-    EXPECT_TRUE(console.Find("Auto-configuring network. Done.")) << console.Describe();
-    ASSERT_TRUE(s->Press({Keys::Escape}));
-    EXPECT_TRUE(console.Find("Powering Off VMs. Done.")) << "only Enter closes";
-    ASSERT_TRUE(s->Press({Keys::Enter}));
-    EXPECT_EQ(s->RightTitle(), "Restore Network Settings");
-
-    const json after = host.State();
-    EXPECT_FALSE(AnyGuestRunning(after));
-    EXPECT_FALSE(after["network"]["netDump"]["enabled"]);
-    const json nic = Management(after);
-    EXPECT_EQ(nic["connection"],
-              (json{{"type", "portgroup"}, {"portGroup", "Management Network"}}));
-    EXPECT_EQ(nic["ipv4"]["mode"], "dhcp");
-    EXPECT_EQ(Named(after["portGroups"], "Management Network")->at("switch"), "switch0");
-    EXPECT_TRUE(after["fabrics"].empty());
-    for (const char* line : {"Clearing Network Config", "Auto-Configuring Network",
-                             "Restoring factory network settings"})
-        EXPECT_EQ(Count(host, line), 1u) << line;
-    EXPECT_EQ(Count(host, "nota.user.lanyx.factory.network.restored", Record::Notad), 1u);
-    ExpectWelcomeAddress(*s, "https://192.168.10.57/ (DHCP)");
-}
+// ---------------------------------------------------------------- factory restore failures
 
 TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
     struct Case {
@@ -211,13 +165,13 @@ TEST(Restore, FactoryRestoreFailuresStopWhereTheyHappen) {
     }
 }
 
-// ---------------------------------------------------------------- safe mode
+// ---------------------------------------------------------------- safe mode and factory restore
 
-TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric) {
+TEST(Restore, SafeModeThenFactoryRestoreOfAStrandedHost) {
     auto s = OpenRestore("fabric-broken");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
-    const json before = host.State();
+    json before = host.State();
     ASSERT_TRUE(s->OpenEntry("Restore Standard Switch"));
     ASSERT_TRUE(console.WaitForText("Move the management network onto a standard switch?"));
     ASSERT_TRUE(s->Press({Keys::Enter, Keys::Escape}));
@@ -232,8 +186,8 @@ TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric) {
     EXPECT_EQ(s->RightTitle(), "Restore fabric") << "and the selection moves on";
     EXPECT_FALSE(s->Greyed(5));
 
-    const json after = host.State();
-    const json nic = Management(after);
+    json after = host.State();
+    json nic = Management(after);
     EXPECT_EQ(nic["connection"],
               (json{{"type", "portgroup"}, {"portGroup", "Management Network1"}}));
     EXPECT_TRUE(nic["enabled"]);
@@ -253,14 +207,101 @@ TEST(Restore, SafeModeMovesTheManagementNetworkOffTheFabric) {
         1u);
     EXPECT_TRUE(host.Messages("user.err").empty());
     ExpectWelcomeAddress(*s, "https://192.168.10.21/ (STATIC)");
+
+    // Safe mode left the host reachable; the factory settings take the fabric away altogether.
+    ASSERT_TRUE(s->Walk({"@login", "Network Restore Options"}));
+    before = host.State();
+    ASSERT_TRUE(AnyGuestRunning(before));
+    ASSERT_TRUE(s->OpenEntry("Restore Network Settings"));
+    ASSERT_TRUE(console.WaitForText("Are you sure you want to reset the host"));
+    ASSERT_TRUE(s->Press({Keys::Enter}));
+    EXPECT_TRUE(console.Find("Restore Network Factory Settings")) << "only F11 confirms";
+
+    // Esc at the warning: back in the menu, nothing changed, no guest stopped.
+    ASSERT_TRUE(s->Press({kF11}));
+    ASSERT_TRUE(console.WaitForText("Warning: VMs running on the host"));
+    ASSERT_TRUE(s->Press({Keys::Escape}));
+    EXPECT_FALSE(console.Find("Restore Network Factory Settings")) << console.Describe();
+    EXPECT_EQ(s->RightTitle(), "Restore Network Settings");
+    EXPECT_EQ(host.State()["network"], before["network"]);
+    EXPECT_TRUE(AnyGuestRunning(host.State()));
+
+    host.Mark();
+    ASSERT_TRUE(s->Press({Keys::Enter, kF11}));
+    ASSERT_TRUE(Acknowledge(*s, "Warning: VMs running on the host"));
+    ASSERT_TRUE(console.WaitForText("Powering Off VMs. Done."));
+    EXPECT_TRUE(console.Find("Auto-configuring network. Done.")) << console.Describe();
+    ASSERT_TRUE(s->Press({Keys::Escape}));
+    EXPECT_TRUE(console.Find("Powering Off VMs. Done.")) << "only Enter closes";
+    ASSERT_TRUE(s->Press({Keys::Enter}));
+    EXPECT_EQ(s->RightTitle(), "Restore Network Settings");
+
+    after = host.State();
+    EXPECT_FALSE(AnyGuestRunning(after));
+    EXPECT_FALSE(after["network"]["netDump"]["enabled"]);
+    nic = Management(after);
+    EXPECT_EQ(nic["connection"],
+              (json{{"type", "portgroup"}, {"portGroup", "Management Network"}}));
+    EXPECT_EQ(nic["ipv4"]["mode"], "dhcp");
+    EXPECT_EQ(Named(after["portGroups"], "Management Network")->at("switch"), "switch0");
+    EXPECT_TRUE(after["fabrics"].empty());
+    for (const char* line : {"Clearing Network Config", "Auto-Configuring Network",
+                             "Restoring factory network settings"})
+        EXPECT_EQ(Count(host, line), 1u) << line;
+    EXPECT_EQ(Count(host, "nota.user.lanyx.factory.network.restored", Record::Notad), 1u);
+    ExpectWelcomeAddress(*s, "https://192.168.10.57/ (DHCP)");
 }
 
 // ---------------------------------------------------------------- fabric restore
 
-TEST(Restore, FabricRestoreMakesAHostLocalPort) {
+// Every failing step takes the port back, a fabric of another maker is refused; then the port
+// is made.
+TEST(Restore, FabricRestoreMakesAHostLocalPortOrTakesItBack) {
     auto s = OpenRestore("fabric-misconfigured");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
+    const json before = host.State();
+    const std::string vlanRange = "Invalid FabricPort vlan specified. Valid range is 0-4094.";
+    // A library step that refuses, or a VLAN out of range before anything is made.
+    // clang-format off
+    const std::vector<std::tuple<std::string, std::string, std::string>> cases = {
+        {"FabricPortImpl::CreateFabricPort", "", "refused"}, {"FabricPort::SetVendorData", "", "refused"},
+        {"FabricPort::SetVlanPolicy", "", "refused"}, {"FabricPort::SetTeamingPolicy", "", "refused"},
+        {"TesselNicImpl::ConnectTo", "", "refused"}, {"", "4095", vlanRange}};
+    // clang-format on
+    for (const auto& [operation, vlan, logged] : cases) {
+        SCOPED_TRACE(operation + vlan);
+        host.Fault({"clear"});
+        if (!operation.empty())
+            host.LibFault(operation, "refused");
+        host.Mark();
+        ASSERT_TRUE(s->OpenEntry("Restore fabric"));
+        ASSERT_TRUE(console.WaitForText("Management Interface - tnic0"));
+        if (!vlan.empty()) {
+            ASSERT_TRUE(s->Press({Keys::Down, Keys::Down}) && s->Type(vlan));
+        }
+        ASSERT_TRUE(s->Press({kF11, Keys::Enter})); // continue without uplinks
+        ASSERT_TRUE(Acknowledge(*s, "Unable to restore fabric. Check logs for details."));
+        EXPECT_EQ(host.Messages("user.err"),
+                  Strings{"Unable to create Host Local Port: " + logged});
+        EXPECT_EQ(host.State()["fabrics"], before["fabrics"]);
+        EXPECT_EQ(Management(host.State()), Management(before));
+        EXPECT_EQ(s->RightTitle(), "Restore fabric") << "F11 closes the form whatever came of it";
+    }
+
+    // A fabric of another maker is refused before anything is made.
+    host.Fault({"clear"});
+    host.Edit([](json& state) { state["fabrics"][0]["lanyxOwned"] = false; });
+    ASSERT_TRUE(s->OpenEntry("Restore fabric"));
+    ASSERT_TRUE(s->Press({Keys::Down, Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "performed on 3rd party fabric."));
+    ASSERT_TRUE(console.WaitForText("No uplinks are configured on the host for this fabric."));
+    ASSERT_TRUE(s->Press({Keys::Enter, kF11, Keys::Enter}));
+    ASSERT_TRUE(Acknowledge(*s, "performed on 3rd party fabric."));
+    EXPECT_EQ(host.State()["fabrics"][0]["ports"], before["fabrics"][0]["ports"]);
+    host.Edit([](json& state) { state["fabrics"][0]["lanyxOwned"] = true; });
+
+    // The fabric's own maker again, and nothing failing: the port is made.
     const json oldPort = host.State()["fabrics"][0]["ports"][0];
     ASSERT_TRUE(s->OpenEntry("Restore fabric"));
     ASSERT_TRUE(console.WaitForText("Management Interface - tnic0"));
@@ -311,54 +352,9 @@ TEST(Restore, FabricRestoreMakesAHostLocalPort) {
     ExpectWelcomeAddress(*s, "https://192.168.10.21/ (STATIC)");
 }
 
-TEST(Restore, FabricRestoreTakesBackThePortWhenAStepFails) {
-    auto s = OpenRestore("fabric-misconfigured");
-    Console& console = s->Screen();
-    HostRoot& host = s->Host();
-    const json before = host.State();
-    const std::string vlanRange = "Invalid FabricPort vlan specified. Valid range is 0-4094.";
-    // A library step that refuses, or a VLAN out of range before anything is made.
-    // clang-format off
-    const std::vector<std::tuple<std::string, std::string, std::string>> cases = {
-        {"FabricPortImpl::CreateFabricPort", "", "refused"}, {"FabricPort::SetVendorData", "", "refused"},
-        {"FabricPort::SetVlanPolicy", "", "refused"}, {"FabricPort::SetTeamingPolicy", "", "refused"},
-        {"TesselNicImpl::ConnectTo", "", "refused"}, {"", "4095", vlanRange}};
-    // clang-format on
-    for (const auto& [operation, vlan, logged] : cases) {
-        SCOPED_TRACE(operation + vlan);
-        host.Fault({"clear"});
-        if (!operation.empty())
-            host.LibFault(operation, "refused");
-        host.Mark();
-        ASSERT_TRUE(s->OpenEntry("Restore fabric"));
-        ASSERT_TRUE(console.WaitForText("Management Interface - tnic0"));
-        if (!vlan.empty()) {
-            ASSERT_TRUE(s->Press({Keys::Down, Keys::Down}) && s->Type(vlan));
-        }
-        ASSERT_TRUE(s->Press({kF11, Keys::Enter})); // continue without uplinks
-        ASSERT_TRUE(Acknowledge(*s, "Unable to restore fabric. Check logs for details."));
-        EXPECT_EQ(host.Messages("user.err"),
-                  Strings{"Unable to create Host Local Port: " + logged});
-        EXPECT_EQ(host.State()["fabrics"], before["fabrics"]);
-        EXPECT_EQ(Management(host.State()), Management(before));
-        EXPECT_EQ(s->RightTitle(), "Restore fabric") << "F11 closes the form whatever came of it";
-    }
-
-    // A fabric of another maker is refused before anything is made.
-    host.Fault({"clear"});
-    host.Edit([](json& state) { state["fabrics"][0]["lanyxOwned"] = false; });
-    ASSERT_TRUE(s->OpenEntry("Restore fabric"));
-    ASSERT_TRUE(s->Press({Keys::Down, Keys::Enter}));
-    ASSERT_TRUE(Acknowledge(*s, "performed on 3rd party fabric."));
-    ASSERT_TRUE(console.WaitForText("No uplinks are configured on the host for this fabric."));
-    ASSERT_TRUE(s->Press({Keys::Enter, kF11, Keys::Enter}));
-    ASSERT_TRUE(Acknowledge(*s, "performed on 3rd party fabric."));
-    EXPECT_EQ(host.State()["fabrics"][0]["ports"], before["fabrics"][0]["ports"]);
-}
-
 // ---------------------------------------------------------------- port group and new switch
 
-TEST(Restore, CreatePortGroup) {
+TEST(Restore, CreatePortGroupAndStandardSwitch) {
     auto s = OpenRestore("default");
     Console& console = s->Screen();
     HostRoot& host = s->Host();
@@ -393,12 +389,8 @@ TEST(Restore, CreatePortGroup) {
     ASSERT_NE(group, nullptr);
     EXPECT_EQ((*group)["switch"], "switch0");
     EXPECT_EQ(Logged(host, "portgroup add -p Storage -v switch0", "succeeded"), 1u);
-}
 
-TEST(Restore, CreateStandardSwitch) {
-    auto s = OpenRestore("default");
-    Console& console = s->Screen();
-    HostRoot& host = s->Host();
+    // The new port group changes nothing the switch form offers.
     ASSERT_TRUE(s->OpenEntry("Create Standard Switch"));
     ASSERT_TRUE(console.WaitForText("Enter the properties for new standard xbar"));
     // hwport3 is free: no question, and only the form's two commands.

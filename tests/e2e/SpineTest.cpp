@@ -168,8 +168,8 @@ TEST(Spine, TerminatingSignalsEndWithStatusZeroAndRestoreTheTerminal) {
 }
 
 // The key test frame counts the reloads it is given; an exit request in a session waits for its
-// end.
-TEST(Spine, ReloadAndExitRequestsReachTheFrame) {
+// end; an exception reaches the top-level handler.
+TEST(Spine, ReloadExitRequestAndExceptionReachTheFrame) {
     Session s("default", KeyFrame());
     ASSERT_TRUE(s.Settle());
     for (const char* shown : {"Reloaded 1", "Reloaded 2"}) {
@@ -191,10 +191,8 @@ TEST(Spine, ReloadAndExitRequestsReachTheFrame) {
     EXPECT_EQ(FrameText(s.Screen(), kSessionRow), "Session active");
     s.Key(Keys::F(8));
     EXPECT_TRUE(s.Screen().ExitsWith(0));
-}
 
-TEST(Spine, ExceptionReachesTheTopLevelHandler) {
-    Session s("default", KeyFrame());
+    // An exception, in a session or outside one, ends in the top-level handler.
     for (bool inSession : {false, true}) {
         SCOPED_TRACE(inSession ? "in a session" : "outside a session");
         s.Restart(KeyFrame());

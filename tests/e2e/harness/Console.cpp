@@ -32,9 +32,6 @@ std::string LanyxBinary() {
 std::string KeyTestBinary() {
     return LANYX_E2E_KEYTEST;
 }
-std::string BuildDir() {
-    return LANYX_E2E_BUILD_DIR;
-}
 
 namespace {
 

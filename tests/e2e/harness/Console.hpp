@@ -23,7 +23,6 @@ using namespace LanyxTest;
 // Paths of the built programs (compile definitions of the harness library).
 std::string LanyxBinary();
 std::string KeyTestBinary(); // the console with the bare key test frame as its first screen
-std::string BuildDir();
 
 // Bytes an xterm sends for named keys while the program has the keypad in application mode
 // (as curses programs do). Raw sequences of other terminals are sent with Send as they are.
