@@ -12,6 +12,7 @@
 #include <ctime>
 #include <new>
 #include <string_view>
+#include <termios.h>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -173,7 +174,7 @@ void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, l
 
 // Child side, between fork and exec: only async-signal-safe calls.
 [[noreturn]] void StartChild(const char* path, const char* const argv[], const char* const envp[],
-                             const int childFds[3], int reportFd, int maxFd) {
+                             const int childFds[3], int reportFd, int maxFd, ChildJob job) {
     // The signal mask is inherited as it is: the signals the console routes through its signal
     // thread stay blocked in every child.
     // Lift the three ends clear of 0..2 first, so that no dup2 overwrites another end.
@@ -194,6 +195,17 @@ void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, l
             if (fd != reportFd)
                 ::close(fd);
         }
+    }
+    if (job == ChildJob::TerminalForeground) {
+        // Taking the terminal from a background group needs SIGTTOU held off.
+        sigset_t mask;
+        ::sigemptyset(&mask);
+        ::sigaddset(&mask, SIGTTOU);
+        ::sigprocmask(SIG_BLOCK, &mask, nullptr);
+        if (::setpgid(0, 0) == 0)
+            ::tcsetpgrp(0, ::getpid());
+        ::sigemptyset(&mask);
+        ::sigprocmask(SIG_SETMASK, &mask, nullptr);
     }
     ::execve(path, const_cast<char* const*>(argv), const_cast<char* const*>(envp));
     const int error = errno;
@@ -225,7 +237,7 @@ std::string JoinVector(const char* const argv[]) {
 } // namespace
 
 pid_t TesselForkExec(const char* path, const char* const argv[], const char* const envp[],
-                     const int childFds[3]) {
+                     const int childFds[3], ChildJob job) {
     // The report pipe stays silent and closes at a successful exec; a number in it is the errno
     // of a start that failed.
     Pipe report;
@@ -239,7 +251,7 @@ pid_t TesselForkExec(const char* path, const char* const argv[], const char* con
     if (pid < 0)
         return -1;
     if (pid == 0)
-        StartChild(path, argv, envp, childFds, report.write.Get(), static_cast<int>(openMax));
+        StartChild(path, argv, envp, childFds, report.write.Get(), static_cast<int>(openMax), job);
     report.write.Reset();
 
     int startError = 0;

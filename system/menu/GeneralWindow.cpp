@@ -1,7 +1,9 @@
 #include "system/menu/GeneralWindow.hpp"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <pthread.h>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -393,14 +395,23 @@ void GeneralWindow::ViewLog(int number) {
     const std::string pager = HostPath("/bin/less");
     const std::string file = HostPath(log->path);
     const char* const argv[] = {"less", "-cfP", kPagerPrompt, file.c_str(), nullptr};
-    // The console's own terminal, unlike the host tools.
+    // The console's own terminal, unlike the host tools, and as a job of its own: its follow
+    // mode and searches end only on an interrupt, so Ctrl-C must reach it, and it alone.
     const int terminal[3] = {0, 1, 2};
-    const pid_t pid = TesselForkExec(pager.c_str(), argv, envp.data(), terminal);
+    const pid_t pid =
+        TesselForkExec(pager.c_str(), argv, envp.data(), terminal, ChildJob::TerminalForeground);
     while (pid > 0 && ::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
     }
 
+    // Until the terminal is the console's again, the console is a background group, which
+    // SIGTTOU would stop (or refuse) at these calls.
+    sigset_t ttou, previous;
+    sigemptyset(&ttou);
+    sigaddset(&ttou, SIGTTOU);
+    ::pthread_sigmask(SIG_BLOCK, &ttou, &previous);
     ::tcsetattr(1, TCSANOW, &consoleModes);
     ::tcsetpgrp(1, ::getpgid(0));
+    ::pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     keypad(stdscr, false);
     keypad(stdscr, true);
     SetActive(false);

@@ -184,8 +184,8 @@ TEST(Menu, LogTableNumbersThePresentLogsAndThePagerComesBack) {
     ASSERT_TRUE(s->SelectEntry("View System Logs"));
     EXPECT_FALSE(console.Find("sysboot:"));
 
-    // The second row on the screen is the third log; the pager refuses a shell and gives the
-    // terminal back on q.
+    // The second row on the screen is the third log; the pager refuses a shell, leaves its
+    // follow mode on Ctrl-C and gives the terminal back on q.
     s->Key("2");
     ASSERT_TRUE(console.WaitForText("<Q> Quit </> RegExp Search <H> Help"));
     EXPECT_TRUE(console.Find("sysboot: Loading configuration from /bootbank/state.tgz"));
@@ -193,6 +193,11 @@ TEST(Menu, LogTableNumbersThePresentLogsAndThePagerComesBack) {
     ASSERT_TRUE(console.WaitForText("Command not available"));
     s->Key(Keys::Enter);
     ASSERT_TRUE(console.WaitForTextGone("Command not available"));
+    // Follow mode ends only on an interrupt: Ctrl-C reaches the pager, and not the console.
+    s->Key("F");
+    ASSERT_TRUE(console.WaitForText("Waiting for data... (interrupt to abort)"));
+    console.Send("\x03");
+    ASSERT_TRUE(console.WaitForTextGone("Waiting for data"));
     s->Key("q");
     ASSERT_TRUE(console.WaitForText("System Customization"));
     ASSERT_TRUE(s->Settle());

@@ -180,7 +180,8 @@ public:
                                 (console.AltScreen() ? " alternate screen" : "") +
                                 (console.CursorVisible() ? "" : " cursor hidden"));
         }
-        std::cout << screen.name << ": " << keys_ << " keys, " << restarts << " restarts" << std::endl;
+        std::cout << screen.name << ": " << keys_ << " keys, " << restarts << " restarts"
+                  << std::endl;
         return true;
     }
 
