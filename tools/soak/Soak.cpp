@@ -163,9 +163,9 @@ public:
         if (SanitizerReport(console))
             return Fail(screen, *s, keys_, recent, "sanitizer report");
         if (console.Running()) {
-            // The console takes the signal only after the pager it waits for has ended, and the
-            // pager keeps the signals the console blocks: it gets the hangup that a unit's stop
-            // sends to the processes left.
+            // The console takes the signal only after the pager it waits for has ended; the
+            // pager, a job of its own, gets the hangup that a unit's stop sends to the processes
+            // left.
             console.SignalChildren(SIGHUP);
             console.Signal(SIGTERM);
             if (!console.ExitsWith(0, 15s))
