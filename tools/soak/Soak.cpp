@@ -137,9 +137,15 @@ public:
             };
             if (console.WaitUntilReading(1s) || (!endless() && console.WaitUntilReading(14s)))
                 continue;
-            // The pager runs with the terminal's own modes, where Ctrl-S stops the output.
+            // The pager waits on purpose in two ways: with its output stopped by Ctrl-S (the
+            // terminal's own modes), and in its follow mode, which an interrupt ends.
             if (console.OutputStopped()) {
                 console.Send("\x11");
+                if (console.WaitUntilReading(15s))
+                    continue;
+            }
+            if (console.Find("Waiting for data... (interrupt to abort)")) {
+                console.Send("\x03");
                 if (console.WaitUntilReading(15s))
                     continue;
             }
