@@ -11,7 +11,7 @@ namespace Lanyx {
 
 // How a child stands to the console's terminal.
 enum class ChildJob {
-    Background,         // in the console's process group, with the console's signal mask
+    ConsoleGroup,       // in the console's process group, with the console's signal mask
     TerminalForeground, // a process group of its own that has the terminal on descriptor 0,
                         // with no signal blocked: the terminal's Ctrl-C reaches it alone
 };
@@ -21,7 +21,7 @@ enum class ChildJob {
 // child's process id, or -1 with errno set when it could not start. The host kernel's one-step
 // start where it has one; fork and exec here.
 pid_t TesselForkExec(const char* path, const char* const argv[], const char* const envp[],
-                     const int childFds[3], ChildJob job = ChildJob::Background);
+                     const int childFds[3], ChildJob job = ChildJob::ConsoleGroup);
 
 // Runs the tool at the host path `path` (mapped under the host root) with the null-terminated
 // argument vector `argv` (argument 0 is the tool's short name). The child gets exactly
