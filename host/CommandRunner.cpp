@@ -176,7 +176,7 @@ void FeedInput(int fd, const char* input, int length, Sink* sinks, bool timed, l
 [[noreturn]] void StartChild(const char* path, const char* const argv[], const char* const envp[],
                              const int childFds[3], int reportFd, int maxFd, ChildJob job) {
     // The signal mask is inherited as it is: the signals the console routes through its signal
-    // thread stay blocked in every child.
+    // thread stay blocked in every child but a terminal job, which clears it below.
     // Lift the three ends clear of 0..2 first, so that no dup2 overwrites another end.
     const int ends[3] = {::fcntl(childFds[0], F_DUPFD, 3), ::fcntl(childFds[1], F_DUPFD, 3),
                          ::fcntl(childFds[2], F_DUPFD, 3)};

@@ -137,9 +137,8 @@ int TesselTrace(Context& context) {
         throw UsageError("the output name must be a plain file name");
 
     // -w waits for the process to be up, as it may be restarting; without it, or after the
-    // wait, a process that is not running is an error.
-    // One look per round decides: a second look could find the agent stopped in between by a
-    // restart that runs beside the trace, and fail a trace that had found it.
+    // wait, a process that is not running is an error. Each look decides alone: a second one
+    // could see the agent stopped by a restart beside the trace and fail a trace that found it.
     const bool wait = options.Has("-w");
     bool running = process == "helmd" && AgentRunning(context.store.Read());
     for (int waited = 0; process == "helmd" && !running && wait && waited < kTraceWaitMs;
