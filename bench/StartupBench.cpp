@@ -36,6 +36,14 @@ long PeakKiB(pid_t pid) {
     return -1;
 }
 
+// CPU time (ms) a running process has used so far, to the nanosecond.
+double CpuMs(pid_t pid) {
+    std::ifstream schedstat("/proc/" + std::to_string(pid) + "/schedstat");
+    double nanoseconds = -1;
+    schedstat >> nanoseconds;
+    return nanoseconds / 1e6;
+}
+
 // User plus system CPU of a running process, in clock ticks.
 long CpuTicks(pid_t pid) {
     std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
@@ -65,7 +73,7 @@ double Median(std::vector<double> values) {
 }
 
 struct Figures {
-    std::vector<double> startMs, firstOutputMs, peakKiB;
+    std::vector<double> startMs, firstOutputMs, cpuMs, peakKiB;
 };
 
 // One start until the screen is complete; false with the screen printed when it never is.
@@ -85,6 +93,7 @@ bool StartOnce(const Subject& subject, Figures& figures) {
         return false;
     }
     figures.startMs.push_back(since(begin));
+    figures.cpuMs.push_back(CpuMs(console.Pid()));
     figures.peakKiB.push_back(static_cast<double>(PeakKiB(console.Pid())));
     return true;
 }
@@ -133,11 +142,12 @@ int main(int argc, char** argv) {
     }
     for (size_t i = 0; i < subjects.size(); ++i) {
         const Figures& f = figures[i];
-        std::printf("%-16s start-up median %7.1f ms (min %7.1f, first output %5.1f)  peak RSS "
-                    "%7.0f KiB  CPU per idle minute %5.1f ms\n",
-                    subjects[i].name.c_str(), Median(f.startMs),
-                    *std::min_element(f.startMs.begin(), f.startMs.end()), Median(f.firstOutputMs),
-                    Median(f.peakKiB), IdleCpuMsPerMinute(subjects[i]));
+        std::printf(
+            "%-16s start-up median %7.1f ms (min %7.1f, first output %5.1f, CPU %5.1f)  peak RSS "
+            "%7.0f KiB  CPU per idle minute %5.1f ms\n",
+            subjects[i].name.c_str(), Median(f.startMs),
+            *std::min_element(f.startMs.begin(), f.startMs.end()), Median(f.firstOutputMs),
+            Median(f.cpuMs), Median(f.peakKiB), IdleCpuMsPerMinute(subjects[i]));
     }
     std::printf("start-up ratio, median of pairs: %.2f\n", Median(ratios));
     return 0;

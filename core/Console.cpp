@@ -93,6 +93,9 @@ void StartCurses() {
     // takes the signal over while it has its default action).
     signal(SIGTSTP, SIG_IGN);
     initscr();
+    // Without this curses flushes and polls the keyboard before each line it paints: a screen
+    // went out in dozens of small writes. Keys are read in their own loop anyway.
+    typeahead(-1);
     start_color();
     // Every exit() leaves the terminal in its normal mode.
     std::atexit(EndCurses);

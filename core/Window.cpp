@@ -60,6 +60,20 @@ void Window::DeleteChildren() {
 }
 
 void Window::SetActive(bool newActive) {
+    SetActiveTree(newActive);
+    if (active && !parent) {
+        cursorX = savedCursorX;
+        cursorY = savedCursorY;
+        ShowCursor(savedCursorVisible != 0);
+        if (cursorVisible)
+            move(cursorY, cursorX);
+    }
+    // Keys typed while a screen opens or closes are dropped.
+    flushinp();
+}
+
+void Window::SetActiveTree(bool newActive) {
+    const UpdateBatch batch;
     active = newActive;
     if (!active && !parent) {
         savedCursorVisible = cursorVisible;
@@ -75,22 +89,21 @@ void Window::SetActive(bool newActive) {
     for (const auto& child : children)
         child->SetActive(newActive);
     Update();
-    if (active && !parent) {
-        cursorX = savedCursorX;
-        cursorY = savedCursorY;
-        ShowCursor(savedCursorVisible != 0);
-        if (cursorVisible)
-            move(cursorY, cursorX);
-    }
-    // Keys typed while a screen opens or closes are dropped.
-    flushinp();
+}
+
+Window::UpdateBatch::~UpdateBatch() {
+    if (--depth == 0)
+        doupdate();
 }
 
 void Window::Update() {
     if (!handle)
         return;
     wtouchln(handle.get(), 0, height, 1);
-    wrefresh(handle.get());
+    if (UpdateBatch::Open())
+        wnoutrefresh(handle.get());
+    else
+        wrefresh(handle.get());
 }
 
 void Window::Print(int px, int py, std::string_view text) {

@@ -29,6 +29,20 @@ public:
 
     // Touches every line and refreshes, so the curses difference covers the whole tree.
     void Update();
+
+    // While one is alive, Update only stages its window; the last one to go paints the screen
+    // in one pass. A screen built of a dozen windows otherwise went out a dozen times over.
+    class UpdateBatch {
+    public:
+        UpdateBatch() { ++depth; }
+        ~UpdateBatch();
+        UpdateBatch(const UpdateBatch&) = delete;
+        UpdateBatch& operator=(const UpdateBatch&) = delete;
+        static bool Open() { return depth > 0; }
+
+    private:
+        static inline int depth = 0;
+    };
     // Window-relative; the text is skipped when the position is outside the window.
     void Print(int x, int y, std::string_view text);
     // Makes the next refresh write every cell of the tree, changed or not.
@@ -76,6 +90,8 @@ protected:
     bool active = true;
 
 private:
+    // The tree's colours and refresh, painted in one pass.
+    void SetActiveTree(bool active);
     // Gives up ownership of a child that is being destroyed from outside.
     void ReleaseChild(Window* child);
     void ApplyBackground(attr_t attribute);

@@ -59,6 +59,8 @@ WelcomeWindow::WelcomeWindow(SessionHooks sessionHooks)
 WelcomeWindow::~WelcomeWindow() = default;
 
 void WelcomeWindow::Reload() {
+    // The host's facts are all read before the screen goes out, in one pass.
+    const UpdateBatch batch;
     if (!systemInfo.GetWelcomeMessage().empty())
         ShowCustomLayout();
     else

@@ -16,7 +16,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -485,7 +484,9 @@ private:
     State Settle(Session& s, const std::string& done, const Fault& fault, Duration bound) {
         Console& console = s.Screen();
         const auto deadline = Clock::now() + bound;
-        std::optional<Clock::time_point> waitingSince;
+        // Zero while the console does not stand beside a hung tool (an optional here trips
+        // a false maybe-uninitialized warning at -O2).
+        Clock::time_point waitingSince{};
         for (;;) {
             console.Pump();
             if (!console.Running())
@@ -502,10 +503,10 @@ private:
                                std::none_of(hung.begin(), hung.end(),
                                             [](const auto& p) { return TimeoutOf(p.second) > 0; });
             if (!waits)
-                waitingSince.reset();
-            else if (!waitingSince)
+                waitingSince = {};
+            else if (waitingSince == Clock::time_point{})
                 waitingSince = Clock::now();
-            else if (Clock::now() - *waitingSince >= kStandStill)
+            else if (Clock::now() - waitingSince >= kStandStill)
                 return State::Tool;
             if (Clock::now() >= deadline)
                 return reading ? State::Reading : State::Stuck;
