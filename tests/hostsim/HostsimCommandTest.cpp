@@ -113,21 +113,3 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
     EXPECT_EQ(state["factory"]["host"], state["host"]);
     EXPECT_EQ(state["factory"]["accounts"][0]["hash"], "");
 }
-
-TEST(HostsimCommand, AbsentToolLeavesTheRootUntilItsFaultIsCleared) {
-    HostRoot root;
-    const std::string script = root.Read("/sbin/ostraq");
-    ASSERT_FALSE(script.empty());
-    // Every path of the tool goes; other tools stay.
-    for (const auto& clear :
-         std::vector<std::vector<std::string>>{{"clear", "ostraq"}, {"clear"}}) {
-        root.Fault({"tool", "ostraq", "absent"});
-        EXPECT_FALSE(Exists(root, "/sbin/ostraq"));
-        EXPECT_FALSE(Exists(root, "/bin/ostraq"));
-        EXPECT_TRUE(Exists(root, "/sbin/benchq"));
-        EXPECT_EQ(root.State()["faults"]["tool"]["ostraq"], (nlohmann::json{{"absent", true}}));
-        root.Fault(clear);
-        EXPECT_EQ(root.Read("/sbin/ostraq"), script);
-        EXPECT_TRUE(Exists(root, "/bin/ostraq"));
-    }
-}

@@ -20,13 +20,6 @@ json BaseState() {
       "services": {"OstraShell": {"running": false, "enabled": false}, "SSH": {"running": true, "enabled": true}},
       "advancedOptions": {"/UserVars/OstraShellTimeOut":
           {"type": "integer", "value": 600, "default": 0, "min": 0, "max": 86400}},
-      "pnics": [{"name": "hwport0"}, {"name": "hwport1"}, {"name": "hwport2"}],
-      "switches": [{"name": "xbar0", "uplinks": ["hwport0"], "portGroups": ["Management Network"],
-                    "teaming": {"uplinkOrder": ["hwport0"]}}],
-      "portGroups": [{"name": "Management Network", "switch": "xbar0", "vlan": 0, "activeClients": 1}],
-      "fabrics": [{"name": "fabric0", "uplinks": {"hwport2": {"portId": "1", "portKey": "k"}}, "ports": []}],
-      "network": {"managementInterface": "tnic0", "interfaces":
-          [{"name": "tnic0", "connection": {"type": "portgroup", "portGroup": "Management Network"}}]},
       "gridmesh": {"present": true, "version": "3.1.0", "running": true},
       "power": {"state": "on", "history": []}, "faults": {"lib": {}, "tool": {}}})");
 }
@@ -48,25 +41,6 @@ protected:
 
     LanyxTest::HostRoot root_{""};
 };
-
-TEST_F(ToolsTest, OstraqBuildsSwitchesOnlyFromFreeUplinks) {
-    const Args xbar = {"ostraq", "network", "xbar", "standard"};
-    const auto Ostraq = [&](const Args& rest) {
-        Args args = xbar;
-        args.insert(args.end(), rest.begin(), rest.end());
-        return Status(args);
-    };
-    EXPECT_EQ(Ostraq({"add", "-v", "xbar1"}), 0);
-    EXPECT_EQ(Ostraq({"add", "-v", "xbar1"}), 1);
-    for (const char* taken : {"hwport0", "hwport2"}) // by xbar0, by a fabric
-        EXPECT_EQ(Ostraq({"uplink", "add", "-u", taken, "-v", "xbar1"}), 1) << taken;
-    EXPECT_EQ(Ostraq({"uplink", "remove", "-v", "xbar0", "-u", "hwport0"}), 0);
-    EXPECT_EQ(Ostraq({"uplink", "add", "-u", "hwport0", "-v", "xbar1"}), 0);
-    EXPECT_EQ(Ostraq({"portgroup", "add", "-p", "Management Network", "-v", "xbar1"}), 1);
-    const json state = root_.State();
-    EXPECT_EQ(state["switches"][0]["teaming"]["uplinkOrder"], json::array());
-    EXPECT_EQ(state["switches"][1]["uplinks"], json::array({"hwport0"}));
-}
 
 TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
     const Args query = {"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"};
