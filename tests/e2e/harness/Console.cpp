@@ -378,8 +378,6 @@ Console::Console(ConsoleOptions options)
         if (options.tracer)
             env["ASAN_OPTIONS"] += ":detect_leaks=0";
     }
-    for (const auto& [name, value] : options.env)
-        env[name] = value;
     std::vector<std::string> envStrings;
     for (const auto& [name, value] : env)
         envStrings.push_back(name + "=" + value);

@@ -78,8 +78,7 @@ struct ConsoleOptions {
     std::string term = "xterm-256color"; // TERM; left unset when empty
     int rows = 25, cols = 80;            // 0 x 0 gives a terminal that reports no size
     std::string faketime;                // e.g. "+0 x100": run under libfaketime with this FAKETIME
-    std::vector<std::pair<std::string, std::string>> env; // further variables
-    bool tracer = false; // argv[0] runs the program as its child (strace)
+    bool tracer = false;                 // argv[0] runs the program as its child (strace)
 };
 
 // A console for the built lanyx on `root` with the given extra arguments.

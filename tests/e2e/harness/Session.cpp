@@ -19,9 +19,7 @@ void Session::Restart(SessionOptions options) {
     start.argv = options.launcher;
     // valgrind runs the program in its own process; strace forks it.
     start.tracer = !options.launcher.empty() && options.launcher[0].ends_with("/strace");
-    start.argv.push_back(!options.program.empty() ? options.program
-                         : options.keyTestFrame   ? LANYX_E2E_KEYTEST
-                                                  : LanyxBinary());
+    start.argv.push_back(options.keyTestFrame ? LANYX_E2E_KEYTEST : LanyxBinary());
     start.argv.insert(start.argv.end(), options.args.begin(), options.args.end());
     start.hostRoot = host_->Path();
     start.term = options.term;

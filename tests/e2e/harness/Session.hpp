@@ -37,7 +37,6 @@ struct SessionOptions {
     std::vector<std::string> args{}; // the console's arguments
     bool keyTestFrame = false;       // the bare key test frame in place of the welcome screen
     std::vector<std::string> launcher{}; // put before the program, e.g. valgrind and its options
-    std::string program{};               // another console binary than the built one
 };
 
 class Session {
