@@ -49,6 +49,7 @@ TEST(RestoreNames, FirstFreeSwitchAndPortGroupName) {
 TEST(RestoreNames, HostLocalPortIds) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"12", "hlp-12#4711"},
+        {"", "hlp-#4711"},
         // An earlier repair's port: everything before the last "#" stays, the number is new.
         {"hlp-12#83", "hlp-12#4711"},
         {"hlp-12#", "hlp-12#4711"},
@@ -69,6 +70,7 @@ TEST(RestoreNames, HostLocalPortIds) {
 TEST(RestoreNames, FabricVlanRange) {
     const std::vector<std::pair<std::string, std::optional<uint16_t>>> cases = {
         {"", 0},
+        {"0", 0},
         {"0042", 42},
         {"4094", 4094},
         {"4095", std::nullopt},
