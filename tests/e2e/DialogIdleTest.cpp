@@ -21,18 +21,6 @@ namespace {
 // each of which restarts the clock.
 constexpr const char* kSpeed = "+0 x20";
 
-// Behind F12 from the welcome screen, then `keys` in the shutdown dialog.
-::testing::AssertionResult OpenShutdown(Session& s,
-                                        std::initializer_list<std::string_view> keys = {}) {
-    if (auto box = s.Walk({"@f12"}); !box)
-        return box;
-    if (!s.Type("root") || !s.Key(Keys::Enter) || !s.Type(kRootPassword) || !s.Key(Keys::Enter))
-        return ::testing::AssertionFailure() << "not typed";
-    if (auto shown = s.Screen().WaitForText("<F2> Shut Down  <F11> Restart"); !shown)
-        return shown;
-    return s.Press(keys);
-}
-
 // A session through `steps` (Session::Walk), then `keys`.
 std::function<::testing::AssertionResult(Session&)>
 Walk(Steps steps, std::initializer_list<std::string_view> keys = {}) {
@@ -65,9 +53,8 @@ TEST(DialogIdle, IdleLimitEndsTheSessionInsideEachDialog) {
         {"console time-out", xterm, Walk({"@login", "Troubleshooting Options", "Modify LANYX idle timeout"}), "LANYX idle timeout"},
         {"password", xterm, Walk({"@login", "Configure Password"}), "Old Password:"},
         {"keyboard", "xterm", Walk({"@login", "Configure Keyboard"}), "( ) Belgian"},
-        {"shutdown", xterm, [](Session& s) { return OpenShutdown(s); }, "<F2> Shut Down"},
-        {"waiting for the host to go down", xterm, [](Session& s) { return OpenShutdown(s, {Keys::F(2)}); },
-         "Shutdown in progress...", "off"},
+        {"shutdown", xterm, Walk({"@shutdown"}), "<F2> Shut Down"},
+        {"waiting for the host to go down", xterm, Walk({"@shutdown"}, {Keys::F(2)}), "Shutdown in progress...", "off"},
         {"lockdown", xterm, Walk({"@login", "=Configure Lockdown Mode"}, {Keys::Enter}), "<Space> Toggle Selected"},
         {"reset question", xterm, Walk({"@login", "=Reset System Configuration"}, {Keys::Enter}),
          "Reset System Configuration now?"},

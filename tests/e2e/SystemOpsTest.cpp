@@ -35,15 +35,8 @@ protected:
         host = &s->Host();
         if (auto welcome = s->AwaitWelcome(); !welcome)
             return welcome;
-        if (auto box = s->Walk({"@f12"}); !box)
+        if (auto box = s->OpenShutdown(); !box)
             return box;
-        if (!s->Type("root") || !s->Key(Keys::Enter) || !s->Type(kRootPassword) ||
-            !s->Key(Keys::Enter))
-            return ::testing::AssertionFailure() << "the login was not typed";
-        if (auto shown = s->Screen().WaitForText(kShutdownFooter); !shown)
-            return shown;
-        if (auto settled = s->Settle(); !settled)
-            return settled;
         if (!s->Screen().Find(kForceOff))
             return ::testing::AssertionFailure() << s->Screen().Describe();
         return ::testing::AssertionSuccess();

@@ -76,17 +76,10 @@ TEST(HostsimCommand, LargeProfileIsAConsistentHostOf256NicsAnd1000PortGroups) {
     EXPECT_EQ(listed.size(), 1000u);
 }
 
-TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
+// What settings and faults do is seen through every test that sets them; here, that a wrong one
+// is refused, leaving the state as it was, so that no test runs on a host it did not describe.
+TEST(HostsimCommand, SetAndFaultRefuseUnknownNamesAndValues) {
     HostRoot root;
-    root.Set("lanyx-timeout", "300");
-    root.Fault({"lib", "SmartCardInfoImpl::GetToken", "reader gone"});
-    root.Fault({"tool", "helmq", "exit", "255"});
-    root.Fault({"tool", "helmq", "output", "true"});
-    auto state = root.State();
-    EXPECT_EQ(state["advancedOptions"]["/UserVars/LanyxTimeOut"]["value"], 300);
-    EXPECT_EQ(state["faults"]["tool"]["helmq"],
-              (nlohmann::json{{"exit", 255}, {"output", "true"}}));
-
     const std::string before = root.Read("/var/lib/hostsim/state.json");
     const std::string bin = LanyxTest::HostsimBinary();
     for (const auto& bad : std::vector<std::vector<std::string>>{
@@ -102,32 +95,8 @@ TEST(HostsimCommand, SetAndFaultChangeTheStateAndRefuseUnknownNames) {
     }
     EXPECT_EQ(root.Read("/var/lib/hostsim/state.json"), before);
 
-    root.Set("lanyx-timeout", "none");
-    root.Fault({"clear", "helmq"});
-    state = root.State();
-    EXPECT_FALSE(state["advancedOptions"].contains("/UserVars/LanyxTimeOut"));
-    EXPECT_FALSE(state["faults"]["tool"].contains("helmq"));
-    EXPECT_TRUE(state["faults"]["lib"].contains("SmartCardInfoImpl::GetToken"));
-
     // The reset script's factory copy is the configuration as made.
+    const nlohmann::json state = root.State();
     EXPECT_EQ(state["factory"]["host"], state["host"]);
     EXPECT_EQ(state["factory"]["accounts"][0]["hash"], "");
-}
-
-TEST(HostsimCommand, AbsentToolLeavesTheRootUntilItsFaultIsCleared) {
-    HostRoot root;
-    const std::string script = root.Read("/sbin/ostraq");
-    ASSERT_FALSE(script.empty());
-    // Every path of the tool goes; other tools stay.
-    for (const auto& clear :
-         std::vector<std::vector<std::string>>{{"clear", "ostraq"}, {"clear"}}) {
-        root.Fault({"tool", "ostraq", "absent"});
-        EXPECT_FALSE(Exists(root, "/sbin/ostraq"));
-        EXPECT_FALSE(Exists(root, "/bin/ostraq"));
-        EXPECT_TRUE(Exists(root, "/sbin/benchq"));
-        EXPECT_EQ(root.State()["faults"]["tool"]["ostraq"], (nlohmann::json{{"absent", true}}));
-        root.Fault(clear);
-        EXPECT_EQ(root.Read("/sbin/ostraq"), script);
-        EXPECT_TRUE(Exists(root, "/bin/ostraq"));
-    }
 }

@@ -1,9 +1,7 @@
-// The host tools the console relies on, run as the console runs them: a child with one environment
-// variable, against a temporary host root whose state is written here.
+// The faults of the host tools, run as the console runs them: a child with one environment
+// variable, against a temporary host root whose state is written here. What the tools do is
+// checked through the console.
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <thread>
 
 #include "HostRoot.hpp"
 #include "store/StateStore.hpp"
@@ -15,19 +13,6 @@ using Args = std::vector<std::string>;
 
 json BaseState() {
     return json::parse(R"({"schema": 1, "lockdown": {"enabled": false, "possible": true},
-      "accounts": [{"name": "root", "hash": "$6$x$y", "expired": false, "permitted": true},
-                   {"name": "guest", "hash": "$6$x$y", "expired": false, "permitted": false}],
-      "services": {"OstraShell": {"running": false, "enabled": false}, "SSH": {"running": true, "enabled": true}},
-      "advancedOptions": {"/UserVars/OstraShellTimeOut":
-          {"type": "integer", "value": 600, "default": 0, "min": 0, "max": 86400}},
-      "pnics": [{"name": "hwport0"}, {"name": "hwport1"}, {"name": "hwport2"}],
-      "switches": [{"name": "xbar0", "uplinks": ["hwport0"], "portGroups": ["Management Network"],
-                    "teaming": {"uplinkOrder": ["hwport0"]}}],
-      "portGroups": [{"name": "Management Network", "switch": "xbar0", "vlan": 0, "activeClients": 1}],
-      "fabrics": [{"name": "fabric0", "uplinks": {"hwport2": {"portId": "1", "portKey": "k"}}, "ports": []}],
-      "network": {"managementInterface": "tnic0", "interfaces":
-          [{"name": "tnic0", "connection": {"type": "portgroup", "portGroup": "Management Network"}}]},
-      "gridmesh": {"present": true, "version": "3.1.0", "running": true},
       "power": {"state": "on", "history": []}, "faults": {"lib": {}, "tool": {}}})");
 }
 
@@ -48,25 +33,6 @@ protected:
 
     LanyxTest::HostRoot root_{""};
 };
-
-TEST_F(ToolsTest, OstraqBuildsSwitchesOnlyFromFreeUplinks) {
-    const Args xbar = {"ostraq", "network", "xbar", "standard"};
-    const auto Ostraq = [&](const Args& rest) {
-        Args args = xbar;
-        args.insert(args.end(), rest.begin(), rest.end());
-        return Status(args);
-    };
-    EXPECT_EQ(Ostraq({"add", "-v", "xbar1"}), 0);
-    EXPECT_EQ(Ostraq({"add", "-v", "xbar1"}), 1);
-    for (const char* taken : {"hwport0", "hwport2"}) // by xbar0, by a fabric
-        EXPECT_EQ(Ostraq({"uplink", "add", "-u", taken, "-v", "xbar1"}), 1) << taken;
-    EXPECT_EQ(Ostraq({"uplink", "remove", "-v", "xbar0", "-u", "hwport0"}), 0);
-    EXPECT_EQ(Ostraq({"uplink", "add", "-u", "hwport0", "-v", "xbar1"}), 0);
-    EXPECT_EQ(Ostraq({"portgroup", "add", "-p", "Management Network", "-v", "xbar1"}), 1);
-    const json state = root_.State();
-    EXPECT_EQ(state["switches"][0]["teaming"]["uplinkOrder"], json::array());
-    EXPECT_EQ(state["switches"][1]["uplinks"], json::array({"hwport0"}));
-}
 
 TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
     const Args query = {"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"};
@@ -90,32 +56,6 @@ TEST_F(ToolsTest, FaultsReplaceTheToolsWork) {
     // The fault is the tool's alone.
     EXPECT_EQ(Status({"poweroff"}), 0);
     EXPECT_EQ(root_.State()["power"]["state"], "off");
-}
-
-TEST_F(ToolsTest, LiveCoreWaitsForTheAgentOnlyWhenAsked) {
-    const Args trace = {"tesseltrace", "-n", "helmd", "-o", "helmd-restart%", "-d", "/var/log/"};
-    EXPECT_EQ(Status({"agents.sh", "stop"}), 0);
-    EXPECT_EQ(Status({"helmq", "-U", "lanyx", "helmsvc/auth/lockdown_is_enabled"}), 1);
-    EXPECT_EQ(Status(trace), 1) << "no agent, no wait";
-
-    Args waiting = trace;
-    waiting.insert(waiting.begin() + 1, "-w");
-    // The agent comes up once the waiting run has begun, as the call trace shows.
-    root_.Edit([](json& s) { s["faults"]["trace"] = true; });
-    const auto begun = [&] {
-        return root_.Read("/var/lib/hostsim/calls.log").find("tesseltrace -w") != std::string::npos;
-    };
-    std::thread starter([&] {
-        LanyxTest::PollUntil(begun, std::chrono::seconds(10));
-        Tool({"agents.sh", "start"});
-    });
-    const auto result = Tool(waiting);
-    starter.join();
-    EXPECT_EQ(result.exit.Code(), 0) << result.output;
-    EXPECT_EQ(result.output, "Live core of helmd written to /var/log/helmd-restart1.core\n");
-    EXPECT_TRUE(std::filesystem::exists(root_.Path() + "/var/log/helmd-restart1.core"));
-    EXPECT_EQ(Status(trace), 0);
-    EXPECT_TRUE(std::filesystem::exists(root_.Path() + "/var/log/helmd-restart2.core"));
 }
 
 } // namespace

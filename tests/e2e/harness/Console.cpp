@@ -29,9 +29,6 @@ namespace LanyxE2E {
 std::string LanyxBinary() {
     return LANYX_E2E_LANYX;
 }
-std::string KeyTestBinary() {
-    return LANYX_E2E_KEYTEST;
-}
 
 namespace {
 
@@ -178,12 +175,6 @@ void AppendUtf8(std::string& out, uint32_t c) {
         out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
         out += static_cast<char>(0x80 | (c & 0x3F));
     }
-}
-
-std::string RightTrim(std::string text) {
-    while (!text.empty() && text.back() == ' ')
-        text.pop_back();
-    return text;
 }
 
 // "rgb:RR/GG/BB" with 1 to 4 hex digits per component.
@@ -387,8 +378,6 @@ Console::Console(ConsoleOptions options)
         if (options.tracer)
             env["ASAN_OPTIONS"] += ":detect_leaks=0";
     }
-    for (const auto& [name, value] : options.env)
-        env[name] = value;
     std::vector<std::string> envStrings;
     for (const auto& [name, value] : env)
         envStrings.push_back(name + "=" + value);
@@ -645,15 +634,9 @@ void Console::Reap() {
 // The kernel hands written bytes to the reading side a little later; after the end, read until
 // the terminal has been quiet for a moment.
 void Console::Drain() {
-    for (;;) {
-        pollfd pfd{master_, POLLIN, 0};
-        if (poll(&pfd, 1, 50) <= 0 || !(pfd.revents & POLLIN))
-            return;
-        char buffer[16384];
-        const ssize_t n = read(master_, buffer, sizeof buffer);
-        if (n <= 0)
-            return;
-        Feed(buffer, static_cast<size_t>(n));
+    for (size_t before = received_ + 1; received_ != before;) {
+        before = received_;
+        Pump(Duration(50));
     }
 }
 
@@ -707,26 +690,13 @@ bool Console::Running() {
     return Await([&] { return !Find(text); }, timeout, "\"" + std::string(text) + "\" gone", true);
 }
 
-std::optional<ExitInfo> Console::WaitForExit(Duration timeout) {
-    const auto deadline = Clock::now() + timeout;
-    for (;;) {
-        Pump();
-        if (exit_ || Clock::now() >= deadline)
-            return exit_;
-        Pump(Duration(std::min(20, MillisLeft(deadline))));
-    }
-}
-
 ::testing::AssertionResult Console::ExitsWith(int code, Duration timeout) {
-    const auto info = WaitForExit(timeout);
-    if (!info)
-        return ::testing::AssertionFailure()
-               << "process still running after " << timeout.count() << " ms\n"
-               << Describe();
-    if (info->Exited() && info->Code() == code)
+    if (auto ended = Await([&] { return exit_.has_value(); }, timeout, "the end", false); !ended)
+        return ended;
+    if (exit_->Exited() && exit_->Code() == code)
         return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure()
-           << "expected exit status " << code << ", " << info->Describe() << "\n"
+           << "expected exit status " << code << ", " << exit_->Describe() << "\n"
            << Describe();
 }
 
@@ -755,7 +725,7 @@ Cell Console::CellAt(int row, int col) const {
 }
 
 std::string Console::Text(int row, int col, int length) const {
-    return RightTrim(Cells(row, col, length));
+    return Trimmed(Cells(row, col, length));
 }
 
 std::string Console::Cells(int row, int col, int length) const {

@@ -22,7 +22,10 @@ using namespace LanyxTest;
 
 // Paths of the built programs (compile definitions of the harness library).
 std::string LanyxBinary();
-std::string KeyTestBinary(); // the console with the bare key test frame as its first screen
+
+inline std::string Trimmed(std::string text) {
+    return text.erase(text.find_last_not_of(' ') + 1);
+}
 
 // Bytes an xterm sends for named keys while the program has the keypad in application mode
 // (as curses programs do). Raw sequences of other terminals are sent with Send as they are.
@@ -75,8 +78,7 @@ struct ConsoleOptions {
     std::string term = "xterm-256color"; // TERM; left unset when empty
     int rows = 25, cols = 80;            // 0 x 0 gives a terminal that reports no size
     std::string faketime;                // e.g. "+0 x100": run under libfaketime with this FAKETIME
-    std::vector<std::pair<std::string, std::string>> env; // further variables
-    bool tracer = false; // argv[0] runs the program as its child (strace)
+    bool tracer = false;                 // argv[0] runs the program as its child (strace)
 };
 
 // A console for the built lanyx on `root` with the given extra arguments.
@@ -130,9 +132,7 @@ public:
     ::testing::AssertionResult WaitFor(const std::function<bool()>& condition,
                                        Duration timeout = 10s, std::string_view what = "condition");
 
-    // Waits for the process to end while draining its output. nullopt at the deadline.
-    std::optional<ExitInfo> WaitForExit(Duration timeout = 10s);
-    // Waits for the end and checks that the process exited with `code`.
+    // Waits for the end, draining the output, and checks that the process exited with `code`.
     ::testing::AssertionResult ExitsWith(int code, Duration timeout = 10s);
     bool Running();
     std::optional<ExitInfo> Exit() const { return exit_; }

@@ -19,9 +19,7 @@ void Session::Restart(SessionOptions options) {
     start.argv = options.launcher;
     // valgrind runs the program in its own process; strace forks it.
     start.tracer = !options.launcher.empty() && options.launcher[0].ends_with("/strace");
-    start.argv.push_back(!options.program.empty() ? options.program
-                         : options.keyTestFrame   ? KeyTestBinary()
-                                                  : LanyxBinary());
+    start.argv.push_back(options.keyTestFrame ? LANYX_E2E_KEYTEST : LanyxBinary());
     start.argv.insert(start.argv.end(), options.args.begin(), options.args.end());
     start.hostRoot = host_->Path();
     start.term = options.term;
@@ -48,11 +46,22 @@ void Session::Restart(SessionOptions options) {
 ::testing::AssertionResult Session::LogIn(const std::string& user, const std::string& password) {
     if (auto box = OpenLogin(); !box)
         return box;
+    return Enter(user, password, "System Customization");
+}
+
+::testing::AssertionResult Session::OpenShutdown() {
+    if (auto box = Press({Keys::F(12)}); !box)
+        return box;
+    return Enter("root", kRootPassword, "<F2> Shut Down  <F11> Restart");
+}
+
+::testing::AssertionResult Session::Enter(const std::string& user, const std::string& password,
+                                          std::string_view shown) {
     // The name line is selected with its default selected whole: typing replaces it.
     if (!Type(user) || !Key(Keys::Enter) || !Type(password) || !Key(Keys::Enter))
         return ::testing::AssertionFailure() << "the login was not typed";
-    if (auto menu = console_->WaitForText("System Customization"); !menu)
-        return menu;
+    if (auto next = console_->WaitForText(shown); !next)
+        return next;
     return Settle();
 }
 
@@ -131,6 +140,8 @@ bool Session::Greyed(int line) const {
             done = OpenLogin();
         else if (step == "@f12")
             done = Press({Keys::F(12)});
+        else if (step == "@shutdown")
+            done = OpenShutdown();
         else if (step.starts_with("="))
             done = SelectEntry(step.substr(1));
         else

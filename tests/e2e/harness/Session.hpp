@@ -27,10 +27,6 @@ namespace LanyxE2E {
 inline constexpr const char* kRootPassword = "lanyx-Root1";
 inline constexpr const char* kWelcomeReady = "To manage this host, go to:";
 
-inline std::string Trimmed(std::string text) {
-    return text.erase(text.find_last_not_of(' ') + 1);
-}
-
 struct SessionOptions {
     std::vector<std::pair<std::string, std::string>> settings{}; // `hostsim set` before the start
     std::vector<std::vector<std::string>> faults{};              // `hostsim fault` before the start
@@ -41,7 +37,6 @@ struct SessionOptions {
     std::vector<std::string> args{}; // the console's arguments
     bool keyTestFrame = false;       // the bare key test frame in place of the welcome screen
     std::vector<std::string> launcher{}; // put before the program, e.g. valgrind and its options
-    std::string program{};               // another console binary than the built one
 };
 
 class Session {
@@ -73,13 +68,15 @@ public:
     // From the welcome screen through the login box into the System Customization menu.
     ::testing::AssertionResult LogIn(const std::string& user = "root",
                                      const std::string& password = kRootPassword);
+    // F12 on the welcome screen and root's login: the shutdown dialog, ready for keys.
+    ::testing::AssertionResult OpenShutdown();
     // In a menu: moves the selection (Down, then Up) to the entry whose right pane has `title`.
     ::testing::AssertionResult SelectEntry(const std::string& title);
     // SelectEntry and Enter.
     ::testing::AssertionResult OpenEntry(const std::string& title);
     // Settles, then takes the steps in turn and settles again: "@login" logs in from the welcome
-    // screen, "@f2" opens the login box, "@f12" the login behind F12; "=title" selects a menu
-    // entry by its right pane's title, and a plain title opens it.
+    // screen, "@f2" opens the login box, "@f12" the login behind F12, "@shutdown" logs in behind
+    // it; "=title" selects a menu entry by its right pane's title, and a plain title opens it.
     ::testing::AssertionResult Walk(const std::vector<std::string>& steps);
     // The title of the right pane of a menu.
     std::string RightTitle() const;
@@ -91,6 +88,10 @@ public:
     bool Greyed(int line) const;
 
 private:
+    // Name and password typed in the open login box, then `shown` awaited.
+    ::testing::AssertionResult Enter(const std::string& user, const std::string& password,
+                                     std::string_view shown);
+
     std::unique_ptr<HostRoot> host_;
     std::unique_ptr<Console> console_;
 };
