@@ -60,7 +60,25 @@ void Window::DeleteChildren() {
 }
 
 void Window::SetActive(bool newActive) {
-    SetActiveTree(newActive);
+    {
+        // The tree's colours go out in one pass, before the cursor comes back.
+        const UpdateBatch batch;
+        active = newActive;
+        if (!active && !parent) {
+            savedCursorVisible = cursorVisible;
+            savedCursorX = cursorX;
+            savedCursorY = cursorY;
+            ShowCursor(false);
+        }
+        // Dimmed through the twin of the window's pair: wbkgd recolours only the cells that carry
+        // the old background, and a parent shares its cells with its children.
+        if (handle)
+            wbkgd(handle.get(),
+                  active ? ColorAttr(background, foreground) : DimAttr(background, foreground));
+        for (const auto& child : children)
+            child->SetActive(newActive);
+        Update();
+    }
     if (active && !parent) {
         cursorX = savedCursorX;
         cursorY = savedCursorY;
@@ -70,25 +88,6 @@ void Window::SetActive(bool newActive) {
     }
     // Keys typed while a screen opens or closes are dropped.
     flushinp();
-}
-
-void Window::SetActiveTree(bool newActive) {
-    const UpdateBatch batch;
-    active = newActive;
-    if (!active && !parent) {
-        savedCursorVisible = cursorVisible;
-        savedCursorX = cursorX;
-        savedCursorY = cursorY;
-        ShowCursor(false);
-    }
-    // Dimmed through the twin of the window's pair: wbkgd recolours only the cells that carry
-    // the old background, and a parent shares its cells with its children.
-    if (handle)
-        wbkgd(handle.get(),
-              active ? ColorAttr(background, foreground) : DimAttr(background, foreground));
-    for (const auto& child : children)
-        child->SetActive(newActive);
-    Update();
 }
 
 Window::UpdateBatch::~UpdateBatch() {

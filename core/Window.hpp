@@ -90,8 +90,6 @@ protected:
     bool active = true;
 
 private:
-    // The tree's colours and refresh, painted in one pass.
-    void SetActiveTree(bool active);
     // Gives up ownership of a child that is being destroyed from outside.
     void ReleaseChild(Window* child);
     void ApplyBackground(attr_t attribute);
